@@ -1,0 +1,86 @@
+#include "platform/objects/NSNumber.h"
+
+#include <charconv>
+#include <cmath>
+#include <functional>
+#include <limits>
+#include <string>
+
+#include "platform/objects/NSClass.h"
+#include "platform/objects/NSString.h"
+
+namespace kbx {
+
+KBX_CLASS(NSNumber)
+
+Ref<NSNumber> NSNumber::numberWithBool(bool value) {
+  static auto* const yes = new NSNumber(Kind::Boolean, {.integer = 1});
+  static auto* const no = new NSNumber(Kind::Boolean, {.integer = 0});
+  return value ? yes : no;
+}
+
+Ref<NSNumber> NSNumber::numberWithInteger(std::int64_t value) {
+  return Ref<NSNumber>::adopt(new NSNumber(Kind::Signed, {.integer = value}));
+}
+
+Ref<NSNumber> NSNumber::numberWithUnsignedInteger(std::uint64_t value) {
+  return Ref<NSNumber>::adopt(new NSNumber(Kind::Unsigned, {.natural = value}));
+}
+
+Ref<NSNumber> NSNumber::numberWithDouble(double value) {
+  return Ref<NSNumber>::adopt(new NSNumber(Kind::Real, {.real = value}));
+}
+
+bool NSNumber::boolValue() const noexcept {
+  return _kind == Kind::Real ? _value.real != 0 : _value.integer != 0;
+}
+
+std::int64_t NSNumber::integerValue() const noexcept {
+  if (_kind != Kind::Real) return _value.integer;
+  using Limits = std::numeric_limits<std::int64_t>;
+  if (std::isnan(_value.real)) return 0;
+  if (_value.real >= 0x1p63) return Limits::max();
+  if (_value.real < -0x1p63) return Limits::min();
+  return static_cast<std::int64_t>(_value.real);
+}
+
+std::uint64_t NSNumber::unsignedIntegerValue() const noexcept {
+  if (_kind != Kind::Real) return _value.natural;
+  if (_value.real >= 0x1p64) return std::numeric_limits<std::uint64_t>::max();
+  return _value.real >= 0x1p63 ? static_cast<std::uint64_t>(_value.real)
+                               : static_cast<std::uint64_t>(integerValue());
+}
+
+double NSNumber::doubleValue() const noexcept {
+  switch (_kind) {
+    case Kind::Real:
+      return _value.real;
+    case Kind::Unsigned:
+      return static_cast<double>(_value.natural);
+    default:
+      return static_cast<double>(_value.integer);
+  }
+}
+
+Ref<NSString> NSNumber::description() const {
+  char text[32];
+  auto print = [&](auto value) { return std::to_chars(text, text + sizeof text, value).ptr; };
+  const char* end = _kind == Kind::Real       ? print(_value.real)
+                    : _kind == Kind::Unsigned ? print(_value.natural)
+                                              : print(_value.integer);
+  return NSString::stringWithUTF8({text, static_cast<std::size_t>(end - text)});
+}
+
+bool NSNumber::isEqual(NSObject* other) const {
+  auto* number = cast<NSNumber>(other);
+  if (!number) return false;
+  if (_kind == Kind::Real || number->_kind == Kind::Real)
+    return doubleValue() == number->doubleValue();
+  const bool isHuge = _kind == Kind::Unsigned && _value.integer < 0;
+  const bool isOtherHuge = number->_kind == Kind::Unsigned && number->_value.integer < 0;
+  return isHuge == isOtherHuge && _value.integer == number->_value.integer;
+}
+
+std::size_t NSNumber::hash() const { return std::hash<double>{}(doubleValue()); }
+
+}  // namespace kbx

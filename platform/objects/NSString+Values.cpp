@@ -1,0 +1,78 @@
+// NSString: the numbers and truth values that a text begins with.
+#include <charconv>
+#include <cstdlib>
+#include <limits>
+#include <string>
+
+#include "platform/objects/NSString.h"
+
+namespace kbx {
+namespace {
+
+bool isBlank(char16_t unit) { return unit == ' ' || (unit >= '\t' && unit <= '\r'); }
+bool isDigit(char16_t unit) { return unit >= '0' && unit <= '9'; }
+
+template <class Units>
+std::size_t skipBlanks(Units units) {
+  std::size_t i = 0;
+  while (i < units.size() && isBlank(static_cast<char16_t>(units[i]))) ++i;
+  return i;
+}
+
+/// The leading integer, clamped to [minimum, maximum].
+std::int64_t leadingInteger(const NSString* text, std::int64_t minimum, std::int64_t maximum) {
+  return text->visitUnits([=](auto units) {
+    std::size_t i = skipBlanks(units);
+    bool isNegative = i < units.size() && units[i] == '-';
+    if (i < units.size() && (units[i] == '-' || units[i] == '+')) ++i;
+    std::int64_t value = 0;  // kept negative, because the negative range is the larger one
+    for (; i < units.size() && isDigit(static_cast<char16_t>(units[i])); ++i) {
+      if (__builtin_mul_overflow(value, std::int64_t{10}, &value) ||
+          __builtin_sub_overflow(value, std::int64_t{units[i]} - '0', &value))
+        return isNegative ? minimum : maximum;
+    }
+    if (isNegative) return value < minimum ? minimum : value;
+    return value < -maximum ? maximum : -value;
+  });
+}
+
+}  // namespace
+
+std::int64_t NSString::integerValue() const {
+  using Limits = std::numeric_limits<std::int64_t>;
+  return leadingInteger(this, Limits::min(), Limits::max());
+}
+
+std::int32_t NSString::intValue() const {
+  using Limits = std::numeric_limits<std::int32_t>;
+  return static_cast<std::int32_t>(leadingInteger(this, Limits::min(), Limits::max()));
+}
+
+bool NSString::boolValue() const {
+  return visitUnits([](auto units) {
+    std::size_t i = skipBlanks(units);
+    if (i == units.size()) return false;
+    auto unit = static_cast<char16_t>(units[i]);
+    return unit == 'Y' || unit == 'y' || unit == 'T' || unit == 't' || (unit >= '1' && unit <= '9');
+  });
+}
+
+double NSString::doubleValue() const {
+  return visitUnits([](auto units) {
+    std::size_t i = skipBlanks(units);
+    if (i < units.size() && units[i] == '+') ++i;
+    std::string text;  // the number ends at the first unit that no number has
+    for (; i < units.size(); ++i) {
+      auto unit = static_cast<char16_t>(units[i]);
+      if (!isDigit(unit) && unit != '.' && unit != '-' && unit != '+' && (unit | 0x20) != 'e')
+        break;
+      text += static_cast<char>(unit);
+    }
+    double value = 0;
+    auto failure = std::from_chars(text.data(), text.data() + text.size(), value).ec;
+    // Too large or too small for a double: the C library tells infinity and zero apart.
+    return failure == std::errc::result_out_of_range ? std::strtod(text.c_str(), nullptr) : value;
+  });
+}
+
+}  // namespace kbx

@@ -1,0 +1,251 @@
+#include "platform/objects/NSString.h"
+
+#include <algorithm>
+#include <cstring>
+#include <mutex>
+#include <unordered_map>
+
+#include "platform/objects/NSArray.h"
+#include "platform/objects/NSClass.h"
+#include "platform/objects/NSData.h"
+#include "platform/objects/NSException.h"
+#include "platform/text/StringBuilder.h"
+#include "platform/text/UTF8.h"
+
+namespace kbx {
+
+KBX_CLASS(NSString)
+
+namespace {
+
+template <class Units>
+class StoredString final : public NSString {
+ public:
+  explicit StoredString(Units units) : _stored(std::move(units)) {
+    setUnits(std::basic_string_view<typename Units::value_type>(_stored));
+  }
+
+ private:
+  const Units _stored;
+};
+
+template <class Units>
+Ref<NSString> stored(Units units) {
+  return Ref<NSString>::adopt(new StoredString<Units>(std::move(units)));
+}
+
+/// ASCII text over the buffer that it came in.
+class SharedString final : public NSString {
+ public:
+  explicit SharedString(NSData* bytes) : _bytes(bytes) { setUnits(bytes->view()); }
+
+ private:
+  NSData* sharedBytes() const override { return _bytes; }
+
+  const Ref<NSData> _bytes;
+};
+
+template <class Units>
+bool isAllASCII(Units units) {
+  return std::ranges::all_of(units, [](auto unit) { return static_cast<char16_t>(unit) < 0x80; });
+}
+
+/// The position of `text` in `units` at or after `from`, or units.size().
+template <class A, class B>
+std::size_t findUnits(std::span<const A> units, std::span<const B> text, std::size_t from) {
+  auto same = [](A a, B b) { return static_cast<char16_t>(a) == static_cast<char16_t>(b); };
+  auto found = std::search(units.begin() + static_cast<std::ptrdiff_t>(from), units.end(),
+                           text.begin(), text.end(), same);
+  return static_cast<std::size_t>(found - units.begin());
+}
+
+std::size_t find(const NSString* string, const NSString* text, std::size_t from) {
+  return string->visitUnits([=](auto units) {
+    return text->visitUnits([=](auto wanted) { return findUnits(units, wanted, from); });
+  });
+}
+
+template <class Units>
+Ref<NSString> stringOfUnits(Units units) {
+  return NSString::stringWithUTF16({units.data(), units.size()});
+}
+template <>
+Ref<NSString> stringOfUnits(std::span<const char> units) {
+  return stored(std::string(units.data(), units.size()));
+}
+
+}  // namespace
+
+NSString::~NSString() = default;
+
+void NSString::setUnits(std::string_view ascii) {
+  _units = ascii.data(), _length = ascii.size(), _wide = false;
+}
+void NSString::setUnits(std::u16string_view units) {
+  _units = units.data(), _length = units.size(), _wide = true;
+}
+
+Ref<NSString> NSString::string() { return ""_ns; }
+
+Ref<NSString> NSString::stringWithUTF8(std::string_view bytes) {
+  if (asciiPrefixLength(bytes) == bytes.size()) return stored(std::string(bytes));
+  auto units = utf16FromUTF8(bytes);
+  return units ? stored(std::move(*units)) : nullptr;
+}
+
+Ref<NSString> NSString::stringByTakingUTF8(std::string bytes) {
+  if (asciiPrefixLength(bytes) == bytes.size()) return stored(std::move(bytes));
+  return stringWithUTF8(std::string_view(bytes));
+}
+
+Ref<NSString> NSString::stringWithUTF8(NSData* bytes) {
+  if (!bytes) return nullptr;
+  if (asciiPrefixLength(bytes->view()) < bytes->length()) return stringWithUTF8(bytes->view());
+  // A mutable buffer may change or move; copy() makes one that does not.
+  return Ref<NSString>::adopt(new SharedString(bytes->copy()));
+}
+
+Ref<NSString> NSString::stringWithLossyUTF8(std::string_view bytes) {
+  if (auto string = stringWithUTF8(bytes)) return string;
+  return stored(utf16FromLossyUTF8(bytes));
+}
+
+Ref<NSString> NSString::stringWithUTF16(std::u16string_view units) {
+  if (isAllASCII(units)) return stored(std::string(units.begin(), units.end()));
+  return stored(std::u16string(units));
+}
+
+Ref<NSString> NSString::stringWithUTF8String(const char* text) {
+  return text ? stringWithUTF8(std::string_view(text)) : nullptr;
+}
+
+NSString* NSString::constant(std::string_view literal) {
+  static auto* const lock = new std::mutex;
+  static auto* const constants = new std::unordered_map<std::string, NSString*>;
+  std::lock_guard held(*lock);
+  auto [place, isNew] = constants->try_emplace(std::string(literal), nullptr);
+  if (isNew) place->second = stringWithUTF8(literal).leak();
+  return place->second;
+}
+
+char16_t NSString::characterAtIndex(std::size_t index) const {
+  if (index >= _length) raiseRange("-[NSString characterAtIndex:]: Range or index out of bounds");
+  return visitUnits([=](auto units) { return static_cast<char16_t>(units[index]); });
+}
+
+std::optional<std::string> NSString::UTF8String() const {
+  if (!_wide) return std::string(static_cast<const char*>(_units), _length);
+  return utf8FromUTF16({static_cast<const char16_t*>(_units), _length});
+}
+
+std::string NSString::lossyUTF8() const {
+  if (auto text = UTF8String()) return *text;
+  return lossyUTF8FromUTF16({static_cast<const char16_t*>(_units), _length});
+}
+
+Ref<NSData> NSString::UTF8Data() const {
+  if (NSData* bytes = sharedBytes()) return bytes;
+  if (!_wide) return NSData::dataWithBytes(_units, _length);
+  auto text = UTF8String();
+  return text ? NSData::dataWithBytes(*text) : nullptr;
+}
+
+NSComparisonResult NSString::compare(NSString* other) const {
+  if (!other) return NSOrderedDescending;
+  auto order = visitUnits([&](auto mine) {
+    return other->visitUnits([&](auto theirs) {
+      return std::lexicographical_compare_three_way(
+          mine.begin(), mine.end(), theirs.begin(), theirs.end(),
+          [](auto a, auto b) { return static_cast<char16_t>(a) <=> static_cast<char16_t>(b); });
+    });
+  });
+  return order < 0 ? NSOrderedAscending : order > 0 ? NSOrderedDescending : NSOrderedSame;
+}
+
+bool NSString::hasPrefix(NSString* prefix) const {
+  if (!prefix || prefix->_length == 0 || prefix->_length > _length) return false;
+  return visitUnits([=](auto units) {
+    return prefix->visitUnits(
+        [=](auto wanted) { return findUnits(units.first(wanted.size()), wanted, 0) == 0; });
+  });
+}
+
+bool NSString::hasSuffix(NSString* suffix) const {
+  if (!suffix || suffix->_length == 0 || suffix->_length > _length) return false;
+  return visitUnits([=](auto units) {
+    return suffix->visitUnits(
+        [=](auto wanted) { return findUnits(units.last(wanted.size()), wanted, 0) == 0; });
+  });
+}
+
+NSRange NSString::rangeOfString(NSString* text) const {
+  if (!text || text->_length == 0) return kRangeNotFound;
+  std::size_t found = find(this, text, 0);
+  return found == _length ? kRangeNotFound : NSRange{found, text->_length};
+}
+
+Ref<NSString> NSString::substringWithRange(NSRange range) const {
+  if (range.location > _length || range.length > _length - range.location)
+    raiseRange("-[NSString substringWithRange:]: Range or index out of bounds");
+  return visitUnits(
+      [=](auto units) { return stringOfUnits(units.subspan(range.location, range.length)); });
+}
+
+Ref<NSString> NSString::substringFromIndex(std::size_t index) const {
+  if (index > _length) raiseRange("-[NSString substringFromIndex:]: Index out of bounds");
+  return substringWithRange({index, _length - index});
+}
+
+Ref<NSString> NSString::substringToIndex(std::size_t index) const {
+  return substringWithRange({0, index});
+}
+
+Ref<NSString> NSString::stringByAppendingString(NSString* other) const {
+  if (!other) raiseInvalidArgument("-[NSString stringByAppendingString:]: nil argument");
+  return StringBuilder().append(const_cast<NSString*>(this)).append(other).take();
+}
+
+Ref<NSString> NSString::stringByReplacingOccurrences(NSString* target,
+                                                     NSString* replacement) const {
+  Ref<NSArray> pieces = componentsSeparatedByString(target);
+  return pieces->componentsJoinedByString(replacement);
+}
+
+Ref<NSArray> NSString::componentsSeparatedByString(NSString* separator) const {
+  NSArray::Elements pieces;
+  std::size_t from = 0;
+  if (separator && separator->_length > 0) {
+    for (std::size_t at; (at = find(this, separator, from)) < _length;
+         from = at + separator->_length)
+      pieces.push_back(substringWithRange({from, at - from}));
+  }
+  pieces.push_back(substringFromIndex(from));
+  return NSArray::arrayWithElements(std::move(pieces));
+}
+
+Ref<NSString> NSString::lastPathComponent() const {
+  return visitUnits([](auto units) -> Ref<NSString> {
+    std::size_t end = units.size();
+    while (end > 1 && units[end - 1] == '/') --end;
+    std::size_t start = end;
+    while (start > 0 && units[start - 1] != '/') --start;
+    if (end == 1 && units[0] == '/') start = 0;
+    return stringOfUnits(units.subspan(start, end - start));
+  });
+}
+
+Ref<NSString> NSString::description() const { return const_cast<NSString*>(this); }
+
+bool NSString::isEqual(NSObject* other) const {
+  auto* string = cast<NSString>(other);
+  // The same text is always kept in the same form, so equal text has equal bytes.
+  if (!string || string->_length != _length || string->_wide != _wide) return false;
+  return std::memcmp(_units, string->_units, _length * (_wide ? sizeof(char16_t) : 1)) == 0;
+}
+
+std::size_t NSString::hash() const {
+  return std::hash<std::string_view>{}(
+      {static_cast<const char*>(_units), _length * (_wide ? sizeof(char16_t) : 1)});
+}
+
+}  // namespace kbx

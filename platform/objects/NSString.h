@@ -1,0 +1,137 @@
+// NSString: immutable text, measured in UTF-16 code units.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+
+#include "platform/objects/NSObject.h"
+#include "platform/objects/NSRange.h"
+
+namespace kbx {
+
+class NSArray;
+class NSData;
+
+enum NSComparisonResult : std::int8_t {
+  NSOrderedAscending = -1,
+  NSOrderedSame = 0,
+  NSOrderedDescending = 1,
+};
+
+/// Text whose length and indices count UTF-16 code units.
+///
+/// ASCII text is kept as bytes: one byte is one unit, and the bytes are its UTF-8 form as well.
+/// Any other text is kept as UTF-16, lone surrogates included. No result depends on the form.
+/// Every instance is immutable and may be shared between threads.
+class KBX_PLATFORM NSString : public NSObject {
+  KBX_OBJECT(NSString, NSObject)
+ public:
+  static Ref<NSString> string();
+  /// The text of UTF-8 bytes; absent when they are not valid UTF-8.
+  static Ref<NSString> stringWithUTF8(std::string_view bytes);
+  /// The same text without a copy where the bytes are ASCII: the string keeps the buffer.
+  static Ref<NSString> stringWithUTF8(NSData* bytes);
+  /// The same text, keeping the bytes that are moved in where they are ASCII.
+  static Ref<NSString> stringByTakingUTF8(std::string bytes);
+  /// The text of UTF-8 bytes in which every malformed sequence becomes U+FFFD.
+  static Ref<NSString> stringWithLossyUTF8(std::string_view bytes);
+  /// Any units are accepted; a lone surrogate stays as it is.
+  static Ref<NSString> stringWithUTF16(std::u16string_view units);
+  /// The text of a C string; absent when it is null or not valid UTF-8. (stringWithUTF8String:)
+  static Ref<NSString> stringWithUTF8String(const char* text);
+  /// The one object that stands for a literal's text, process-wide. Behind operator""_ns.
+  static NSString* constant(std::string_view ascii);
+
+  std::size_t length() const noexcept { return _length; }
+  bool isASCII() const noexcept { return !_wide; }
+  /// Raises NSRangeException when index >= length().
+  char16_t characterAtIndex(std::size_t index) const;
+  /// The UTF-8 form; absent when the text holds a lone surrogate.
+  std::optional<std::string> UTF8String() const;
+  /// The UTF-8 form in which a lone surrogate becomes U+FFFD: for display, never for keys.
+  std::string lossyUTF8() const;
+  /// The bytes of the UTF-8 form; absent when the text holds a lone surrogate. Shares the buffer
+  /// with a string that was made from one.
+  Ref<NSData> UTF8Data() const;
+
+  /// Calls visitor with a std::span<const char> (ASCII) or a std::span<const char16_t>, so that
+  /// one generic lambda runs without a test per unit on both forms.
+  template <class Visitor>
+  decltype(auto) visitUnits(Visitor&& visitor) const {
+    return _wide ? visitor(std::span(static_cast<const char16_t*>(_units), _length))
+                 : visitor(std::span(static_cast<const char*>(_units), _length));
+  }
+
+  /// Order of the code units; an absent argument comes first. (compare:)
+  NSComparisonResult compare(NSString* other) const;
+  /// False for an absent argument and for an empty one. (hasPrefix:)
+  bool hasPrefix(NSString* prefix) const;
+  /// False for an absent argument and for an empty one. (hasSuffix:)
+  bool hasSuffix(NSString* suffix) const;
+  /// The first place of the text, unit by unit; not found for an absent or empty text.
+  NSRange rangeOfString(NSString* text) const;
+  /// Raises NSRangeException when the range reaches past the end. (substringWithRange:)
+  Ref<NSString> substringWithRange(NSRange range) const;
+  Ref<NSString> substringFromIndex(std::size_t index) const;
+  Ref<NSString> substringToIndex(std::size_t index) const;
+  /// This text followed by the other; an absent one raises. (stringByAppendingString:)
+  Ref<NSString> stringByAppendingString(NSString* other) const;
+  /// Every occurrence replaced, from left to right. (stringByReplacingOccurrencesOfString:…)
+  Ref<NSString> stringByReplacingOccurrences(NSString* target, NSString* replacement) const;
+  /// The pieces between the separators: one more than there are separators. An empty separator
+  /// separates nothing. (componentsSeparatedByString:)
+  Ref<NSArray> componentsSeparatedByString(NSString* separator) const;
+  /// The text behind the last slash, trailing slashes left out; "/" for the root.
+  Ref<NSString> lastPathComponent() const;
+
+  /// Leading blanks skipped, an optional sign, the leading digits; 0 without digits, the nearest
+  /// limit where the number is out of range. (integerValue, intValue)
+  std::int64_t integerValue() const;
+  std::int32_t intValue() const;
+  /// True when the text begins, after leading blanks, with Y, y, T, t or a digit 1 to 9.
+  /// (boolValue)
+  bool boolValue() const;
+  /// The leading decimal number; 0 without one. (doubleValue)
+  double doubleValue() const;
+
+  Ref<NSString> description() const override;
+  bool isEqual(NSObject* other) const override;
+  std::size_t hash() const override;
+
+ protected:
+  NSString() = default;
+  ~NSString() override;
+  void setUnits(std::string_view ascii);
+  void setUnits(std::u16string_view units);
+
+ private:
+  /// The buffer behind ASCII text that was made from one; absent otherwise.
+  virtual NSData* sharedBytes() const { return nullptr; }
+
+  const void* _units = "";
+  std::size_t _length = 0;
+  bool _wide = false;
+};
+
+namespace detail {
+template <std::size_t N>
+struct Literal {
+  char text[N];
+  consteval Literal(const char (&source)[N]) {
+    for (std::size_t i = 0; i < N; ++i) text[i] = source[i];
+  }
+};
+}  // namespace detail
+
+/// A constant: "KBXStackFrames"_ns. One object per spelling in the process, made at first use,
+/// never freed. The literal is UTF-8.
+template <detail::Literal literal>
+NSString* operator""_ns() {
+  static NSString* const string = NSString::constant({literal.text, sizeof(literal.text) - 1});
+  return string;
+}
+
+}  // namespace kbx

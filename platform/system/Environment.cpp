@@ -1,0 +1,7 @@
+#include "platform/system/Environment.h"
+
+namespace kbx {
+
+Environment::~Environment() = default;
+
+}  // namespace kbx

@@ -1,0 +1,7 @@
+#include "platform/system/ProcessIdentity.h"
+
+namespace kbx {
+
+ProcessIdentity::~ProcessIdentity() = default;
+
+}  // namespace kbx

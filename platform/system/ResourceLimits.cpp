@@ -1,0 +1,7 @@
+#include "platform/system/ResourceLimits.h"
+
+namespace kbx {
+
+ResourceLimits::~ResourceLimits() = default;
+
+}  // namespace kbx

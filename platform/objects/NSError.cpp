@@ -20,12 +20,14 @@ struct FileFailure {
 };
 
 constexpr FileFailure kFileFailures[] = {
-    {NSFileNoSuchFileError, "The folder doesn’t exist.", "the folder doesn’t exist"},
+    {NSFileNoSuchFileError, "There is no such file or folder.", "there is no such file or folder"},
     {NSFileReadNoPermissionError, "You don’t have permission.", "you don’t have permission"},
     {NSFileReadCorruptFileError, "The file isn’t in the correct format.",
      "it isn’t in the correct format"},
     {NSFileReadNoSuchFileError, "The file doesn’t exist.", "there is no such file"},
     {NSFileReadTooLargeError, "The file is too large.", "it is too large"},
+    {NSFileReadUnknownStringEncodingError, "The text encoding can’t be determined.",
+     "its text encoding can’t be determined"},
     {NSFileWriteNoPermissionError, "You don’t have permission.", "you don’t have permission"},
     {NSFileWriteFileExistsError, "A file with that name exists already.",
      "a file with that name exists already"},
@@ -40,7 +42,10 @@ const FileFailure* fileFailure(const NSError& error) {
   return nullptr;
 }
 
-bool isReading(std::int64_t code) { return code >= 256 && code < 512; }
+const char* actionOf(const NSError& error) {
+  if (error.userInfo()->objectForKey(NSUserStringVariantErrorKey())) return "removed";
+  return error.code() >= 256 && error.code() < 512 ? "opened" : "saved";
+}
 bool isFileCode(std::int64_t code) { return code == 4 || (code >= 256 && code < 1024); }
 
 /// The reason of an error without one of its own; absent where nothing is known of the code.
@@ -56,9 +61,8 @@ Ref<NSString> fileSentence(const NSError& error) {
   auto* path = cast<NSString>(error.userInfo()->objectForKey(NSFilePathErrorKey()));
   if (!path || !isFileCode(error.code()) || !isEqual(error.domain(), NSCocoaErrorDomain()))
     return nullptr;
-  Ref<NSString> start =
-      stringWithFormat("The file “%@” couldn’t be %s"_ns, path->lastPathComponent(),
-                       isReading(error.code()) ? "opened" : "saved");
+  Ref<NSString> start = stringWithFormat("The file “%@” couldn’t be %s"_ns,
+                                         path->lastPathComponent(), actionOf(error));
   if (const FileFailure* failure = fileFailure(error))
     return stringWithFormat("%@ because %s."_ns, start, failure->because);
   auto* cause = cast<NSError>(error.userInfo()->objectForKey(NSUnderlyingErrorKey()));

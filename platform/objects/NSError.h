@@ -21,6 +21,8 @@ inline NSString* NSLocalizedFailureReasonErrorKey() { return "NSLocalizedFailure
 inline NSString* NSLocalizedRecoverySuggestionErrorKey() {
   return "NSLocalizedRecoverySuggestion"_ns;
 }
+/// Which operation failed, an array of one word: "Remove" and the like.
+inline NSString* NSUserStringVariantErrorKey() { return "NSUserStringVariant"_ns; }
 inline NSString* NSHelpAnchorErrorKey() { return "NSHelpAnchor"_ns; }
 
 /// Codes of NSCocoaErrorDomain that the platform makes.
@@ -31,6 +33,7 @@ enum NSCocoaErrorCode : std::int64_t {
   NSFileReadCorruptFileError = 259,
   NSFileReadNoSuchFileError = 260,
   NSFileReadTooLargeError = 263,
+  NSFileReadUnknownStringEncodingError = 264,
   NSFileWriteUnknownError = 512,
   NSFileWriteNoPermissionError = 513,
   NSFileWriteFileExistsError = 516,

@@ -1,0 +1,40 @@
+// String encodings: their numbers, their names, and text from bytes.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+
+#include "platform/Export.h"
+#include "platform/objects/NSString.h"
+
+namespace kbx {
+
+/// The platform's numbers of encodings. Charsets beyond these have no number here: 0.
+enum NSStringEncoding : std::uint64_t {
+  NSUnknownStringEncoding = 0,
+  NSASCIIStringEncoding = 1,
+  NSUTF8StringEncoding = 4,
+  NSISOLatin1StringEncoding = 5,
+  NSShiftJISStringEncoding = 8,
+  NSISOLatin2StringEncoding = 9,
+  NSUnicodeStringEncoding = 10,
+  NSWindowsCP1251StringEncoding = 11,
+  NSWindowsCP1252StringEncoding = 12,
+  NSWindowsCP1253StringEncoding = 13,
+  NSWindowsCP1254StringEncoding = 14,
+  NSWindowsCP1250StringEncoding = 15,
+  NSISO2022JPStringEncoding = 21,
+  NSUTF16BigEndianStringEncoding = 0x90000100,
+  NSUTF16LittleEndianStringEncoding = 0x94000100,
+  NSUTF32BigEndianStringEncoding = 0x98000100,
+  NSUTF32LittleEndianStringEncoding = 0x9c000100,
+};
+
+/// The text of bytes in a charset of the IANA registry, where each malformed sequence becomes
+/// U+FFFD. Absent when nobody knows the charset. A byte-order mark stays in the text.
+KBX_PLATFORM Ref<NSString> stringWithCharset(std::string_view bytes, const char* charset);
+
+/// The number of a charset, or 0.
+KBX_PLATFORM NSStringEncoding encodingOfCharset(std::string_view charset);
+
+}  // namespace kbx

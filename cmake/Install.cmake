@@ -1,0 +1,19 @@
+# What the targets do not install themselves: headers, the package for other projects, documents.
+
+include(CMakePackageConfigHelpers)
+
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/platform" DESTINATION ${FERNCASE_INCLUDE_DIR}
+  FILES_MATCHING PATTERN "*.h" PATTERN linux EXCLUDE)
+
+if(TARGET platform)
+  install(EXPORT ferncase NAMESPACE ferncase:: DESTINATION ${FERNCASE_CMAKE_DIR}
+    FILE ferncaseConfig.cmake)
+  write_basic_package_version_file("${PROJECT_BINARY_DIR}/ferncaseConfigVersion.cmake"
+    COMPATIBILITY SameMinorVersion)
+  install(FILES "${PROJECT_BINARY_DIR}/ferncaseConfigVersion.cmake"
+    DESTINATION ${FERNCASE_CMAKE_DIR})
+endif()
+
+install(FILES "${PROJECT_SOURCE_DIR}/README.md" DESTINATION ${FERNCASE_DOC_DIR})
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION ${FERNCASE_DOC_DIR})
+install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION ${FERNCASE_DOC_DIR})

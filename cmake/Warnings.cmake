@@ -1,0 +1,19 @@
+# ferncase_warnings: the warnings that our code is free of, with g++ and with clang++.
+
+add_library(ferncase_warnings INTERFACE)
+target_compile_options(ferncase_warnings INTERFACE
+  -Wall
+  -Wextra
+  -Wpedantic
+  -Wcast-align
+  -Wconversion
+  -Wextra-semi
+  -Wformat=2
+  -Wimplicit-fallthrough
+  -Wnon-virtual-dtor
+  -Wold-style-cast
+  -Woverloaded-virtual
+  -Wshadow
+  -Wsign-conversion
+  $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond>
+  $<$<CXX_COMPILER_ID:GNU>:-Wlogical-op>)

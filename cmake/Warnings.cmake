@@ -14,6 +14,6 @@ target_compile_options(ferncase_warnings INTERFACE
   -Wold-style-cast
   -Woverloaded-virtual
   -Wshadow
-  -Wsign-conversion
+  -Wno-sign-conversion
   $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond>
   $<$<CXX_COMPILER_ID:GNU>:-Wlogical-op>)

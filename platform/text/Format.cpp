@@ -16,6 +16,10 @@ namespace {
 /// The largest width or precision that is honoured: a format must not ask for gigabytes.
 constexpr int kWidest = 4096;
 
+// The format of a number is put together here from parts that were checked.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wformat-nonliteral"
+
 std::string numberText(const Conversion& conversion, const FormatArgument* argument) {
   std::string spec = "%" + conversion.flags;
   if (conversion.width >= 0) spec += std::to_string(std::min(conversion.width, kWidest));
@@ -38,6 +42,8 @@ std::string numberText(const Conversion& conversion, const FormatArgument* argum
   return isSigned ? print(static_cast<long long>(conversion.signExtended(word)))
                   : print(static_cast<unsigned long long>(conversion.zeroExtended(word)));
 }
+
+#pragma GCC diagnostic pop
 
 std::string pointerText(const FormatArgument* argument) {
   char text[32];

@@ -40,6 +40,9 @@ enum NSCocoaErrorCode : std::int64_t {
   NSFileWriteOutOfSpaceError = 640,
   NSFileWriteVolumeReadOnlyError = 642,
   NSPropertyListReadCorruptError = 3840,
+  NSPropertyListReadUnknownVersionError = 3841,
+  NSPropertyListReadStreamError = 3842,
+  NSPropertyListWriteStreamError = 3851,
   NSPropertyListWriteInvalidError = 3852,
 };
 

@@ -1,0 +1,57 @@
+#include "platform/propertylists/NSPropertyListSerialization.h"
+
+#include <string>
+
+#include "platform/objects/NSClass.h"
+#include "platform/propertylists/PropertyListCheck.h"
+#include "platform/propertylists/PropertyListErrors.h"
+#include "platform/propertylists/XMLPropertyListReader.h"
+#include "platform/propertylists/XMLPropertyListWriter.h"
+
+namespace kbx {
+
+KBX_CLASS(NSPropertyListSerialization)
+
+namespace {
+
+/// The end of the sentence for a list that cannot be written; absent when it can.
+std::optional<std::string> faultOf(NSObject* list, NSPropertyListFormat format) {
+  if (!list) return "there is none";
+  if (format != NSPropertyListXMLFormat_v1_0)
+    return "the format " + std::to_string(format) + " is not known";
+  return std::nullopt;
+}
+
+}  // namespace
+
+Ref<NSData> NSPropertyListSerialization::dataWithPropertyList(NSObject* list,
+                                                              NSPropertyListFormat format,
+                                                              std::uint64_t, Ref<NSError>* error) {
+  if (auto fault = faultOf(list, format)) {
+    failWritingPropertyList(error, NSPropertyListWriteInvalidError, *fault);
+    return nullptr;
+  }
+  if (auto fault = faultInPropertyList(list, format)) {
+    failWritingPropertyList(error, NSPropertyListWriteStreamError, *fault);
+    return nullptr;
+  }
+  return NSData::dataWithBytes(xmlFromPropertyList(list));
+}
+
+Ref<NSObject> NSPropertyListSerialization::propertyListWithData(NSData* data,
+                                                                NSPropertyListReadOptions options,
+                                                                NSPropertyListFormat* format,
+                                                                Ref<NSError>* error) {
+  const bool isMutable =
+      options & (NSPropertyListMutableContainers | NSPropertyListMutableContainersAndLeaves);
+  PropertyListReading reading = data ? propertyListFromXML(data->view(), isMutable)
+                                     : PropertyListReading{{}, "there is none"};
+  if (!reading.list) {
+    failReadingPropertyList(error, reading.fault);
+    return nullptr;
+  }
+  if (format) *format = NSPropertyListXMLFormat_v1_0;
+  return reading.list;
+}
+
+}  // namespace kbx

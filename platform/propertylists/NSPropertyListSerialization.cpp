@@ -3,6 +3,8 @@
 #include <string>
 
 #include "platform/objects/NSClass.h"
+#include "platform/propertylists/BinaryPropertyListReader.h"
+#include "platform/propertylists/BinaryPropertyListWriter.h"
 #include "platform/propertylists/PropertyListCheck.h"
 #include "platform/propertylists/PropertyListErrors.h"
 #include "platform/propertylists/XMLPropertyListReader.h"
@@ -17,7 +19,7 @@ namespace {
 /// The end of the sentence for a list that cannot be written; absent when it can.
 std::optional<std::string> faultOf(NSObject* list, NSPropertyListFormat format) {
   if (!list) return "there is none";
-  if (format != NSPropertyListXMLFormat_v1_0)
+  if (format != NSPropertyListXMLFormat_v1_0 && format != NSPropertyListBinaryFormat_v1_0)
     return "the format " + std::to_string(format) + " is not known";
   return std::nullopt;
 }
@@ -35,22 +37,29 @@ Ref<NSData> NSPropertyListSerialization::dataWithPropertyList(NSObject* list,
     failWritingPropertyList(error, NSPropertyListWriteStreamError, *fault);
     return nullptr;
   }
-  return NSData::dataWithBytes(xmlFromPropertyList(list));
+  return NSData::dataWithBytes(format == NSPropertyListXMLFormat_v1_0
+                                   ? xmlFromPropertyList(list)
+                                   : binaryFromPropertyList(list));
 }
 
 Ref<NSObject> NSPropertyListSerialization::propertyListWithData(NSData* data,
                                                                 NSPropertyListReadOptions options,
                                                                 NSPropertyListFormat* format,
                                                                 Ref<NSError>* error) {
+  if (!data) {
+    failReadingPropertyList(error, "there is none");
+    return nullptr;
+  }
   const bool isMutable =
       options & (NSPropertyListMutableContainers | NSPropertyListMutableContainersAndLeaves);
-  PropertyListReading reading = data ? propertyListFromXML(data->view(), isMutable)
-                                     : PropertyListReading{{}, "there is none"};
+  const bool isBinary = isBinaryPropertyList(data->view());
+  PropertyListReading reading = isBinary ? propertyListFromBinary(data->view(), isMutable)
+                                         : propertyListFromXML(data->view(), isMutable);
   if (!reading.list) {
     failReadingPropertyList(error, reading.fault);
     return nullptr;
   }
-  if (format) *format = NSPropertyListXMLFormat_v1_0;
+  if (format) *format = isBinary ? NSPropertyListBinaryFormat_v1_0 : NSPropertyListXMLFormat_v1_0;
   return reading.list;
 }
 

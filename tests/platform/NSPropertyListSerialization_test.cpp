@@ -9,7 +9,7 @@ namespace {
 
 using namespace test;
 
-constexpr NSPropertyListFormat kFormats[] = {kXML};
+constexpr NSPropertyListFormat kFormats[] = {kXML, kBinary};
 
 TEST(NSPropertyListSerialization, FiveHundredGeneratedListsComeBackEqual) {
   for (auto format : kFormats)

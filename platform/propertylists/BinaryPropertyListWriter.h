@@ -1,0 +1,15 @@
+// BinaryPropertyListWriter: a property list in the binary form of version 1.0.
+#pragma once
+
+#include <string>
+
+#include "platform/objects/NSObject.h"
+
+namespace kbx {
+
+/// The whole file. Equal leaves are written once; containers each for themselves, keys sorted.
+///
+/// list  one in which faultInPropertyList() finds nothing
+std::string binaryFromPropertyList(NSObject* list);
+
+}  // namespace kbx

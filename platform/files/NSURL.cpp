@@ -13,6 +13,7 @@
 namespace kbx {
 
 KBX_CLASS(NSURL)
+KBX_ADOPTS(NSURL, NSCoding)
 
 namespace {
 

@@ -12,6 +12,7 @@ namespace kbx {
 
 KBX_CLASS(NSArray)
 KBX_CLASS(NSMutableArray)
+KBX_ADOPTS(NSArray, NSCoding)
 
 NSArray::~NSArray() = default;
 

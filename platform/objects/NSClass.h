@@ -185,3 +185,8 @@ bool addMethod(NSClass* target, const char* selector) {
     return object;                                                                      \
   }                                                                                     \
   [[maybe_unused]] static auto* const registered##Type = Type::classObject();
+
+/// Records at start-up that a class adopts a protocol; behind KBX_CLASS, once for each protocol.
+#define KBX_ADOPTS(Type, Protocol)                            \
+  [[maybe_unused]] static const bool adopts##Protocol##Type = \
+      (Type::classObject()->adoptProtocol(#Protocol), true);

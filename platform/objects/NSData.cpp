@@ -14,6 +14,7 @@ namespace kbx {
 
 KBX_CLASS(NSData)
 KBX_CLASS(NSMutableData)
+KBX_ADOPTS(NSData, NSCoding)
 
 namespace {
 

@@ -12,6 +12,7 @@
 namespace kbx {
 
 KBX_CLASS(NSDate)
+KBX_ADOPTS(NSDate, NSCoding)
 
 Ref<NSDate> NSDate::dateWithTimeIntervalSinceReferenceDate(double seconds) {
   return Ref<NSDate>::adopt(new NSDate(seconds));

@@ -13,6 +13,7 @@ namespace kbx {
 
 KBX_CLASS(NSDictionary)
 KBX_CLASS(NSMutableDictionary)
+KBX_ADOPTS(NSDictionary, NSCoding)
 
 namespace {
 constexpr std::size_t kScanned = 8;  // up to here a look along the entries is as quick as an index

@@ -9,6 +9,7 @@
 namespace kbx {
 
 KBX_CLASS(NSError)
+KBX_ADOPTS(NSError, NSCoding)
 
 namespace {
 

@@ -6,6 +6,7 @@
 namespace kbx {
 
 KBX_CLASS(NSNull)
+KBX_ADOPTS(NSNull, NSCoding)
 
 NSNull* NSNull::null() {
   static auto* const marker = new NSNull;

@@ -12,6 +12,7 @@
 namespace kbx {
 
 KBX_CLASS(NSNumber)
+KBX_ADOPTS(NSNumber, NSCoding)
 
 Ref<NSNumber> NSNumber::numberWithBool(bool value) {
   static auto* const yes = new NSNumber(Kind::Boolean, {.integer = 1});

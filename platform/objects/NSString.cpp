@@ -15,6 +15,7 @@
 namespace kbx {
 
 KBX_CLASS(NSString)
+KBX_ADOPTS(NSString, NSCoding)
 
 namespace {
 

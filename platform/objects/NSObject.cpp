@@ -7,6 +7,15 @@
 
 namespace kbx {
 
+namespace {
+
+// What answers no question about its class is no ordinary object; a root class that is not this
+// one has to enter the method itself.
+[[maybe_unused]] const bool answersItsKind =
+    addMethod<&NSObject::isKindOfClass>(NSObject::classObject(), "isKindOfClass:");
+
+}  // namespace
+
 NSObject::~NSObject() = default;
 
 NSClass* NSObject::classObject() {

@@ -33,6 +33,10 @@ class KBX_PLATFORM NSObject {
   virtual NSClass* objectClass() const noexcept { return classObject(); }
   /// Whether this object is itself a class.
   virtual bool isClassObject() const noexcept { return false; }
+  /// Whether the object is of a class or of a subclass of it. (isKindOfClass:)
+  ///
+  /// In the method table of the root class, so that what comes from another root can be told: it
+  /// does not respond to the selector.
   bool isKindOfClass(const NSClass* wanted) const noexcept;
   /// Whether a dynamic call of `selector` finds a method. (respondsToSelector:)
   bool respondsToSelector(SEL selector) const;

@@ -18,7 +18,7 @@ namespace {
 constexpr std::uint64_t kFreeValues = 250'000;
 constexpr std::uint64_t kValuesPerByte = 4;
 constexpr std::uint64_t kFreeContent = 16'000'000;
-constexpr std::uint64_t kContentPerByte = 64;
+constexpr std::uint64_t kContentPerByte = 1024;
 
 /// A number of up to eight bytes, the high one first; of more only the low eight count.
 std::uint64_t wordOf(std::string_view bytes) {

@@ -16,7 +16,7 @@ bool isBinaryPropertyList(std::string_view bytes);
 ///
 /// Objects that lie outside the file's objects, hold themselves or belong to archives only are
 /// refused, and so is a list that grows, written out, to more than 250,000 values and four
-/// for each byte, or to more than 16 million bytes of text and data and 64 for each byte.
+/// for each byte, or to more than 16 million bytes of text and data and 1024 for each byte.
 PropertyListReading propertyListFromBinary(std::string_view bytes, bool isMutable);
 
 }  // namespace kbx

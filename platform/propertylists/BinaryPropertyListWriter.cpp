@@ -88,9 +88,13 @@ std::string encodedLeaf(NSObject* value) {
   return bytes;
 }
 
+// Bytes up to which equal leaves are one object. Readers, ours among them, refuse a file whose
+// objects would grow to much more than the file; of long leaves each has to be there.
+constexpr std::size_t kLongestShared = 256;
+
 /// An object of the file: a leaf with its bytes, or a container with what it refers to.
 struct Item {
-  const std::string* leaf = nullptr;
+  std::string leaf{};
   BinaryKind kind = BinaryKind::Array;
   std::vector<std::size_t> references{};
 };
@@ -107,15 +111,21 @@ class Writer {
   void appendTable(std::size_t top);
 
   std::vector<Item> _items;
-  std::unordered_map<std::string, std::size_t> _leaves;  // the place of each, by its bytes
+  std::unordered_map<std::string, std::size_t>
+      _leaves;  // the place of each short one, by its bytes
   std::vector<std::size_t> _offsets;
   std::string _bytes;
 };
 
 std::size_t Writer::addLeaf(NSObject* value) {
-  auto [found, isNew] = _leaves.try_emplace(encodedLeaf(value), _items.size());
-  if (isNew) _items.push_back({.leaf = &found->first});
-  return found->second;
+  std::string leaf = encodedLeaf(value);
+  const std::size_t place = _items.size();
+  if (leaf.size() <= kLongestShared) {
+    auto [found, isNew] = _leaves.try_emplace(leaf, place);
+    if (!isNew) return found->second;
+  }
+  _items.push_back({.leaf = std::move(leaf)});
+  return place;
 }
 
 std::size_t Writer::addContainer(BinaryKind kind, const std::vector<NSObject*>& values) {
@@ -144,8 +154,8 @@ std::size_t Writer::add(NSObject* value) {
 
 void Writer::appendItem(const Item& item) {
   _offsets.push_back(_bytes.size());
-  if (item.leaf) {
-    _bytes += *item.leaf;
+  if (!item.leaf.empty()) {
+    _bytes += item.leaf;
     return;
   }
   const std::size_t parts = item.kind == BinaryKind::Dictionary ? 2 : 1;

@@ -7,7 +7,8 @@
 
 namespace kbx {
 
-/// The whole file. Equal leaves are written once; containers each for themselves, keys sorted.
+/// The whole file. Equal leaves of up to 256 bytes are written once, longer ones and
+/// containers each for themselves; keys are sorted.
 ///
 /// list  one in which faultInPropertyList() finds nothing
 std::string binaryFromPropertyList(NSObject* list);

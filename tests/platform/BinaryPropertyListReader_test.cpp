@@ -208,8 +208,8 @@ TEST(BinaryPropertyListReader, ASmallFileCannotUnfoldIntoAHugeList) {
       ASSERT_TRUE(error);
       EXPECT_NE(error->localizedDescription()->lossyUTF8().find(text), std::string::npos);
     }
-  File longText{{"\xAF\x11\x40\0"s + std::string(0x4000, '\x01'),
-                 "\x4F\x12" + word(100'000, 4) + std::string(100'000, 'x')},
+  File longText{{"\xAF\x12" + word(200'000, 4) + std::string(200'000, '\x01'),
+                 "\x4F\x12" + word(10'000, 4) + std::string(10'000, 'x')},
                 4};
   EXPECT_NE(faultOf(longText).find(text), std::string::npos);
 }

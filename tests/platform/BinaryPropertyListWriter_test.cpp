@@ -91,6 +91,13 @@ TEST(BinaryPropertyListWriter, ReferencesAndOffsetsGrowWithTheFile) {
   }
 }
 
+TEST(BinaryPropertyListWriter, AListThatRepeatsALongTextCanBeReadAgain) {
+  auto longText = string(std::string(1'000'000, 'x'));
+  NSArray::Elements elements(40, longText);
+  auto list = NSArray::arrayWithElements(std::move(elements));
+  EXPECT_TRUE(isEqual(read(written(list, kBinary)), list));
+}
+
 TEST(BinaryPropertyListWriter, OnlyWhatXMLCannotSayIsAllowedBesides) {
   auto list = NSArray::arrayWithObjects(
       {"\x01"_ns, NSDate::dateWithTimeIntervalSinceReferenceDate(1e300).get()});

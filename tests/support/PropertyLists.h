@@ -12,6 +12,7 @@
 #include "platform/objects/NSDictionary.h"
 #include "platform/objects/NSNumber.h"
 #include "platform/propertylists/NSPropertyListSerialization.h"
+#include "tests/support/Text.h"
 
 namespace kbx::test {
 
@@ -39,8 +40,6 @@ inline std::string fault(std::string_view bytes) {
   if (error->code() != NSPropertyListReadCorruptError) return "another code";
   return error->localizedDescription()->lossyUTF8();
 }
-
-inline Ref<NSString> string(std::string_view utf8) { return NSString::stringWithLossyUTF8(utf8); }
 
 /// As many containers inside each other, the innermost empty.
 inline Ref<NSObject> nested(std::size_t levels) {

@@ -12,6 +12,8 @@ namespace kbx {
 
 /// How many bytes at the start are ASCII: bytes.size() when all are.
 KBX_PLATFORM std::size_t asciiPrefixLength(std::string_view bytes) noexcept;
+/// How many units at the start are ASCII.
+KBX_PLATFORM std::size_t asciiPrefixLength(std::u16string_view units) noexcept;
 
 /// The UTF-16 units of UTF-8; absent when the bytes are not valid (overlong forms, surrogates,
 /// values beyond U+10FFFF and cut sequences are not).

@@ -7,12 +7,12 @@ target_compile_options(ferncase_warnings INTERFACE
   -Wpedantic
   -Wcast-align
   -Wconversion
-  -Wextra-semi
+  $<$<COMPILE_LANGUAGE:CXX>:-Wextra-semi>
   -Wformat=2
   -Wimplicit-fallthrough
-  -Wnon-virtual-dtor
-  -Wold-style-cast
-  -Woverloaded-virtual
+  $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
+  $<$<COMPILE_LANGUAGE:CXX>:-Wold-style-cast>
+  $<$<COMPILE_LANGUAGE:CXX>:-Woverloaded-virtual>
   -Wshadow
   -Wno-sign-conversion
   $<$<CXX_COMPILER_ID:GNU>:-Wduplicated-cond>

@@ -26,6 +26,15 @@ class KBX_PLATFORM NSObject {
   void release() const noexcept {
     if (_references.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
   }
+  /// Retains unless the last reference has gone. For tables that know objects without owning
+  /// them: the destructor waits for the table's lock, so what is found there can be asked.
+  bool retainIfAlive() const noexcept {
+    auto count = _references.load(std::memory_order_relaxed);
+    while (count != 0)
+      if (_references.compare_exchange_weak(count, count + 1, std::memory_order_relaxed))
+        return true;
+    return false;
+  }
 
   static NSClass* classObject();
 

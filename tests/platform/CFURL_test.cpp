@@ -1,0 +1,45 @@
+#include <gtest/gtest.h>
+
+#include "platform/CoreFoundation.h"
+#include "platform/plugins/Bridge.h"
+
+using namespace kbx;
+
+namespace {
+
+Ref<NSURL> created(CFStringRef path, CFURLPathStyle style, bool isDirectory) {
+  return adoptCF(CFURLCreateWithFileSystemPath(kCFAllocatorDefault, path, style, isDirectory));
+}
+
+}  // namespace
+
+TEST(CFURL, TheDirectoryFlagIsKeptWithoutAQuestionToTheFileSystem) {
+  EXPECT_TRUE(created(CFSTR("/a/b.eml"), kCFURLPOSIXPathStyle, true)->hasDirectoryPath());
+  EXPECT_FALSE(created(CFSTR("/a/b.eml"), kCFURLPOSIXPathStyle, false)->hasDirectoryPath());
+  EXPECT_EQ(created(CFSTR("/a/b.eml"), kCFURLPOSIXPathStyle, true)->absoluteString()->lossyUTF8(),
+            "file:///a/b.eml/");
+}
+
+TEST(CFURL, AnAbsentPathAnEmptyOneAndAnotherStyleGiveNone) {
+  EXPECT_FALSE(created(nullptr, kCFURLPOSIXPathStyle, true));
+  EXPECT_FALSE(created(CFSTR(""), kCFURLPOSIXPathStyle, true));
+  EXPECT_FALSE(created(CFSTR("/a"), 1, true));
+}
+
+TEST(CFURL, ThePathComesBackWithoutATrailingSlash) {
+  auto url = created(CFSTR("/a/b.eml"), kCFURLPOSIXPathStyle, true);
+  auto path = adoptCF(CFURLCopyFileSystemPath(toCF(url), kCFURLPOSIXPathStyle));
+  EXPECT_EQ(path->lossyUTF8(), "/a/b.eml");
+  EXPECT_EQ(CFURLCopyFileSystemPath(toCF(url), 1), nullptr);
+  EXPECT_EQ(CFURLCopyFileSystemPath(nullptr, kCFURLPOSIXPathStyle), nullptr);
+}
+
+TEST(CFURL, TheFileSystemRepresentationNeedsRoomForItsZero) {
+  auto url = created(CFSTR("/a/b"), kCFURLPOSIXPathStyle, false);
+  UInt8 buffer[5];
+  ASSERT_TRUE(CFURLGetFileSystemRepresentation(toCF(url), true, buffer, 5));
+  EXPECT_STREQ(reinterpret_cast<char*>(buffer), "/a/b");
+  EXPECT_FALSE(CFURLGetFileSystemRepresentation(toCF(url), true, buffer, 4));
+  EXPECT_FALSE(CFURLGetFileSystemRepresentation(toCF(url), true, nullptr, 5));
+  EXPECT_FALSE(CFURLGetFileSystemRepresentation(nullptr, true, buffer, 5));
+}

@@ -1,8 +1,9 @@
 // TestMail: stands in for the system's mail importer. Reads .emlx files as written by the driver.
 //
 // The header X-Test of a message asks for something else than subject and text: html-only, no-text,
-// raise (after the subject), fail (after the subject).
+// and after the subject raise, throw (a foreign exception), fail.
 #include <charconv>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -56,6 +57,7 @@ Boolean importMessage(NSMutableDictionary* attributes, std::string_view message)
   const std::string_view test = header(message, "X-Test: ");
   if (test == "raise")
     NSException::exceptionWithName("TestMail"_ns, "the message asks for it"_ns, nullptr)->raise();
+  if (test == "throw") throw std::runtime_error("the message asks for it");
   if (test == "fail") return false;
   if (test == "no-text") return true;
   attributes->setObjectForKey(

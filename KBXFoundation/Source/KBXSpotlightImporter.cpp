@@ -1,0 +1,138 @@
+#include "KBXSpotlightImporter.h"
+
+#include "NSError+KBX.h"
+#include "platform/files/NSURL.h"
+#include "platform/objects/NSClass.h"
+#include "platform/objects/NSData.h"
+#include "platform/objects/NSException.h"
+#include "platform/plugins/Bridge.h"
+#include "platform/plugins/MDImporter.h"
+
+namespace kbx {
+
+KBX_CLASS(KBXSpotlightImporter)
+
+namespace {
+
+constexpr const char* kHosting = "-[KBXSpotlightImporter metadataForURL:contentType:error:]";
+
+/// An interface of an instance, or none. Releases it when it goes, also when something raises.
+template <class Table>
+class Interface {
+ public:
+  explicit Interface(void* interface = nullptr) : _interface(static_cast<Table**>(interface)) {}
+  ~Interface() { reset(nullptr); }
+  Interface(const Interface&) = delete;
+  Interface& operator=(const Interface&) = delete;
+
+  explicit operator bool() const { return _interface; }
+  Table** get() const { return _interface; }
+  const Table* operator->() const { return *_interface; }
+  /// Releases what it has and takes over a reference.
+  void reset(void* interface) {
+    if (auto* old = std::exchange(_interface, static_cast<Table**>(interface)))
+      (*old)->Release(old);
+  }
+  /// Asks an instance for an interface in the place of this one.
+  void query(const Interface<IUnknownVTbl>& instance, CFUUIDRef identifier) {
+    LPVOID found = nullptr;
+    instance->QueryInterface(instance.get(), CFUUIDGetUUIDBytes(identifier), &found);
+    reset(found);
+  }
+
+ private:
+  Table** _interface;
+};
+
+struct Importer {
+  Interface<MDImporterURLInterfaceStruct> url;  // before the other, so that it is released after it
+  Interface<MDImporterInterfaceStruct> legacy;
+
+  /// Fills in what the instances of a factory offer. False when there is no instance.
+  bool query(CFUUIDRef factory) {
+    Interface<IUnknownVTbl> instance(
+        CFPlugInInstanceCreate(kCFAllocatorDefault, factory, kMDImporterTypeID));
+    if (!instance) return false;
+    legacy.query(instance, kMDImporterInterfaceID);
+    url.query(instance, kMDImporterURLInterfaceID);
+    return true;
+  }
+
+  /// Calls one import function. Its answer says nothing that the attributes do not.
+  void import(NSMutableDictionary* attributes, NSString* contentType, NSURL* file) {
+    if (url)
+      url->ImporterImportURLData(url.get(), toCF(attributes), toCF(contentType), toCF(file));
+    else if (legacy)
+      legacy->ImporterImportData(legacy.get(), toCF(attributes), toCF(contentType),
+                                 toCF(file ? file->path() : nullptr));
+  }
+};
+
+/// Fills in the interfaces of the first factory that offers any; none offering is no failure.
+bool findInterfaces(PlugIn* plugIn, Importer& importer, Ref<NSError>* error) {
+  Ref<NSArray> factories =
+      adoptCF(CFPlugInFindFactoriesForPlugInTypeInPlugIn(kMDImporterTypeID, toCF(plugIn)));
+  KBX_REQUIRE(factories, "factories", (Frame{kHosting, 33}), error);
+  for (const auto& factory : *factories) {
+    const bool iunknown = importer.query(toCF(cast<NSUUID>(factory)));
+    KBX_REQUIRE(iunknown, "iunknown", (Frame{kHosting, 40}), error);
+    if (importer.url || importer.legacy) break;
+  }
+  return true;
+}
+
+/// The length of what may be text.
+std::size_t lengthOf(NSObject* value) {
+  if (auto* string = cast<NSString>(value)) return string->length();
+  if (auto* data = cast<NSData>(value)) return data->length();
+  raiseUnrecognizedSelector(value, "length");
+}
+
+}  // namespace
+
+KBXSpotlightImporter::KBXSpotlightImporter(NSURL* importerURL) : _importerURL(importerURL) {}
+KBXSpotlightImporter::~KBXSpotlightImporter() = default;
+
+Ref<KBXSpotlightImporter> KBXSpotlightImporter::initWithImporterURL(NSURL* importerURL) {
+  auto importer = Ref<KBXSpotlightImporter>::adopt(new KBXSpotlightImporter(importerURL));
+  importer->_plugIn = adoptCF(CFPlugInCreate(kCFAllocatorDefault, toCF(importerURL)));
+  return importer->_plugIn ? importer : nullptr;
+}
+
+void KBXSpotlightImporter::setImporterURL(NSURL* importerURL) { _importerURL = importerURL; }
+
+Ref<NSDictionary> KBXSpotlightImporter::metadataForURL(NSURL* url, Ref<NSError>* error) {
+  if (!url) return nullptr;
+  Ref<NSError> failure;
+  Ref<NSObject> contentType = url->resourceValueForKey(NSURLTypeIdentifierKey(), &failure);
+  if (!contentType && failure) {
+    if (error) *error = failure;
+    return nullptr;
+  }
+  return metadataForURL(url, cast<NSString>(contentType), error);
+}
+
+Ref<NSDictionary> KBXSpotlightImporter::metadataForURL(NSURL* url, NSString* contentType,
+                                                       Ref<NSError>* error) {
+  auto attributes = NSMutableDictionary::dictionary();
+  {
+    Importer importer;
+    if (!findInterfaces(_plugIn, importer, error)) return nullptr;
+    importer.import(attributes, contentType, url);
+  }
+  return ensureTextContent(attributes, error);
+}
+
+Ref<NSDictionary> KBXSpotlightImporter::ensureTextContent(NSDictionary* attributes, Ref<NSError>*) {
+  if (!attributes || hasTextContent(attributes)) return attributes;
+  auto copy = attributes->mutableCopy();
+  if (!hasTextContent(copy)) copy->setObjectForKey(""_ns, fromCF(kMDItemTextContent));
+  return copy;
+}
+
+bool KBXSpotlightImporter::hasTextContent(NSDictionary* attributes) {
+  NSObject* text = attributes ? attributes->objectForKey(fromCF(kMDItemTextContent)) : nullptr;
+  return text && lengthOf(text) > 0;
+}
+
+}  // namespace kbx

@@ -138,9 +138,12 @@ std::optional<double> realFromText(std::string_view text) {
 std::optional<std::string> textFromDate(double seconds) {
   constexpr double kTenThousandYears = 10000 * 366 * kSecondsInDay;
   if (!(std::abs(seconds) < kTenThousandYears)) return std::nullopt;
-  const double day = std::floor(seconds / kSecondsInDay);
-  const int clock = static_cast<int>(std::floor(seconds - day * kSecondsInDay));
-  const year_month_day date(kReferenceDay + days(static_cast<int>(day)));
+  // Whole seconds first: of a moment before midnight the rest of a day would round up to a day.
+  const std::chrono::sys_seconds time =
+      kReferenceDay + std::chrono::seconds(static_cast<std::int64_t>(std::floor(seconds)));
+  const auto start = std::chrono::floor<days>(time);
+  const int clock = static_cast<int>((time - start).count());
+  const year_month_day date(start);
   const int year{date.year()};
   if (std::abs(year) > 9999) return std::nullopt;
   char text[64];

@@ -57,7 +57,13 @@ class Reader {
 
  private:
   struct FreeParser {
-    void operator()(xmlParserCtxtPtr parser) const { xmlFreeParserCtxt(parser); }
+    void operator()(xmlParserCtxtPtr parser) const {
+      // The parser notes declarations in a document of its own, which it does not free.
+      xmlDocPtr declarations = parser->myDoc;
+      parser->myDoc = nullptr;
+      xmlFreeParserCtxt(parser);
+      xmlFreeDoc(declarations);
+    }
   };
 
   static xmlSAXHandler handlers();

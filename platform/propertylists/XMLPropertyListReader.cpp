@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <new>
 #include <optional>
 #include <string>
 
@@ -88,7 +89,7 @@ class Reader {
 void Reader::fail(std::string_view what, int line) {
   if (!_fault.empty()) return;  // the first one is the cause of the others
   _fault = std::string(what) + " in line " + std::to_string(line);
-  if (_parser) xmlStopParser(_parser.get());
+  xmlStopParser(_parser.get());
 }
 
 template <class Action>
@@ -150,13 +151,11 @@ xmlSAXHandler Reader::handlers() {
 
 void Reader::parse(std::string_view text) {
   xmlSAXHandler sax = handlers();
-  // The first four bytes tell the encoding.
-  const auto head = text.substr(0, 4);
-  _parser.reset(
-      xmlCreatePushParserCtxt(&sax, this, head.data(), static_cast<int>(head.size()), nullptr));
+  // Gets no bytes yet: it would call the handlers, which need the parser.
+  _parser.reset(xmlCreatePushParserCtxt(&sax, this, nullptr, 0, nullptr));
   if (!_parser) throw std::bad_alloc();
   xmlCtxtUseOptions(_parser.get(), XML_PARSE_NONET);
-  for (std::size_t at = head.size(); at < text.size() && _fault.empty() && !_thrown; at += kChunk) {
+  for (std::size_t at = 0; at < text.size() && _fault.empty() && !_thrown; at += kChunk) {
     const auto chunk = text.substr(at, kChunk);
     xmlParseChunk(_parser.get(), chunk.data(), static_cast<int>(chunk.size()), 0);
     if (isStuck()) fail("a tag, a comment or a CDATA section is too long", line());

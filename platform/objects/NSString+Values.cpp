@@ -5,6 +5,7 @@
 #include <string>
 
 #include "platform/objects/NSString.h"
+#include "platform/text/PlainLocale.h"
 
 namespace kbx {
 namespace {
@@ -36,6 +37,24 @@ std::int64_t leadingInteger(const NSString* text, std::int64_t minimum, std::int
   });
 }
 
+/// The decimal number that the units begin with; `text` is the sign in front of it.
+template <class Units>
+double decimal(std::string text, Units units) {
+  for (auto unit : units) {  // up to the first unit that no number has
+    const auto wide = static_cast<char16_t>(unit);
+    const bool isSignOfExponent = (wide == '-' || wide == '+') && !text.empty();
+    if (!isDigit(wide) && wide != '.' && (wide | 0x20) != 'e' && !isSignOfExponent) break;
+    text += static_cast<char>(unit);
+  }
+  double value = 0;
+  if (std::from_chars(text.data(), text.data() + text.size(), value).ec !=
+      std::errc::result_out_of_range)
+    return value;
+  // Too large or too small: the C library tells infinity and zero apart.
+  const PlainLocale plain;
+  return std::strtod(text.c_str(), nullptr);
+}
+
 }  // namespace
 
 std::int64_t NSString::integerValue() const {
@@ -51,6 +70,8 @@ std::int32_t NSString::intValue() const {
 bool NSString::boolValue() const {
   return visitUnits([](auto units) {
     std::size_t i = skipBlanks(units);
+    if (i < units.size() && (units[i] == '-' || units[i] == '+')) ++i;
+    while (i < units.size() && units[i] == '0') ++i;
     if (i == units.size()) return false;
     auto unit = static_cast<char16_t>(units[i]);
     return unit == 'Y' || unit == 'y' || unit == 'T' || unit == 't' || (unit >= '1' && unit <= '9');
@@ -60,18 +81,9 @@ bool NSString::boolValue() const {
 double NSString::doubleValue() const {
   return visitUnits([](auto units) {
     std::size_t i = skipBlanks(units);
-    if (i < units.size() && units[i] == '+') ++i;
-    std::string text;  // the number ends at the first unit that no number has
-    for (; i < units.size(); ++i) {
-      auto unit = static_cast<char16_t>(units[i]);
-      if (!isDigit(unit) && unit != '.' && unit != '-' && unit != '+' && (unit | 0x20) != 'e')
-        break;
-      text += static_cast<char>(unit);
-    }
-    double value = 0;
-    auto failure = std::from_chars(text.data(), text.data() + text.size(), value).ec;
-    // Too large or too small for a double: the C library tells infinity and zero apart.
-    return failure == std::errc::result_out_of_range ? std::strtod(text.c_str(), nullptr) : value;
+    const bool isNegative = i < units.size() && units[i] == '-';
+    if (i < units.size() && (units[i] == '-' || units[i] == '+')) ++i;
+    return decimal(isNegative ? "-" : "", units.subspan(i));
   });
 }
 

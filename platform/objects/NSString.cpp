@@ -11,6 +11,7 @@
 #include "platform/objects/NSException.h"
 #include "platform/text/StringBuilder.h"
 #include "platform/text/UTF8.h"
+#include "platform/text/UnitSearch.h"
 
 namespace kbx {
 
@@ -46,24 +47,24 @@ class SharedString final : public NSString {
   const Ref<NSData> _bytes;
 };
 
-template <class Units>
-bool isAllASCII(Units units) {
-  return std::ranges::all_of(units, [](auto unit) { return static_cast<char16_t>(unit) < 0x80; });
-}
-
-/// The position of `text` in `units` at or after `from`, or units.size().
 template <class A, class B>
-std::size_t findUnits(std::span<const A> units, std::span<const B> text, std::size_t from) {
-  auto same = [](A a, B b) { return static_cast<char16_t>(a) == static_cast<char16_t>(b); };
-  auto found = std::search(units.begin() + static_cast<std::ptrdiff_t>(from), units.end(),
-                           text.begin(), text.end(), same);
-  return static_cast<std::size_t>(found - units.begin());
+bool areSame(std::span<const A> a, std::span<const B> b) {
+  return std::ranges::equal(
+      a, b, {}, [](A unit) { return static_cast<char16_t>(unit); },
+      [](B unit) { return static_cast<char16_t>(unit); });
 }
 
-std::size_t find(const NSString* string, const NSString* text, std::size_t from) {
-  return string->visitUnits([=](auto units) {
-    return text->visitUnits([=](auto wanted) { return findUnits(units, wanted, from); });
-  });
+/// Calls visitor(range) with each piece between the separators, at least one. A separator that is
+/// absent or empty separates nothing.
+template <class Visitor>
+void forEachPiece(const NSString& text, const NSString* separator, Visitor visitor) {
+  std::size_t from = 0;
+  if (separator && separator->length() > 0) {
+    const UnitSearch search(text, *separator);
+    for (std::size_t at; (at = search.next(from)) < text.length(); from = at + separator->length())
+      visitor(NSRange{from, at - from});
+  }
+  visitor(NSRange{from, text.length() - from});
 }
 
 template <class Units>
@@ -112,8 +113,14 @@ Ref<NSString> NSString::stringWithLossyUTF8(std::string_view bytes) {
 }
 
 Ref<NSString> NSString::stringWithUTF16(std::u16string_view units) {
-  if (isAllASCII(units)) return stored(std::string(units.begin(), units.end()));
+  if (asciiPrefixLength(units) == units.size())
+    return stored(std::string(units.begin(), units.end()));
   return stored(std::u16string(units));
+}
+
+Ref<NSString> NSString::stringByTakingUTF16(std::u16string units) {
+  if (asciiPrefixLength(units) == units.size()) return stringWithUTF16(units);
+  return stored(std::move(units));
 }
 
 Ref<NSString> NSString::stringWithUTF8String(const char* text) {
@@ -167,7 +174,7 @@ bool NSString::hasPrefix(NSString* prefix) const {
   if (!prefix || prefix->_length == 0 || prefix->_length > _length) return false;
   return visitUnits([=](auto units) {
     return prefix->visitUnits(
-        [=](auto wanted) { return findUnits(units.first(wanted.size()), wanted, 0) == 0; });
+        [=](auto wanted) { return areSame(units.first(wanted.size()), wanted); });
   });
 }
 
@@ -175,13 +182,13 @@ bool NSString::hasSuffix(NSString* suffix) const {
   if (!suffix || suffix->_length == 0 || suffix->_length > _length) return false;
   return visitUnits([=](auto units) {
     return suffix->visitUnits(
-        [=](auto wanted) { return findUnits(units.last(wanted.size()), wanted, 0) == 0; });
+        [=](auto wanted) { return areSame(units.last(wanted.size()), wanted); });
   });
 }
 
 NSRange NSString::rangeOfString(NSString* text) const {
   if (!text || text->_length == 0) return kRangeNotFound;
-  std::size_t found = find(this, text, 0);
+  const std::size_t found = UnitSearch(*this, *text).next(0);
   return found == _length ? kRangeNotFound : NSRange{found, text->_length};
 }
 
@@ -208,19 +215,18 @@ Ref<NSString> NSString::stringByAppendingString(NSString* other) const {
 
 Ref<NSString> NSString::stringByReplacingOccurrences(NSString* target,
                                                      NSString* replacement) const {
-  Ref<NSArray> pieces = componentsSeparatedByString(target);
-  return pieces->componentsJoinedByString(replacement);
+  StringBuilder text;
+  forEachPiece(*this, target, [&](NSRange piece) {
+    if (piece.location) text.append(replacement);
+    text.append(*this, piece);
+  });
+  return text.take();
 }
 
 Ref<NSArray> NSString::componentsSeparatedByString(NSString* separator) const {
   NSArray::Elements pieces;
-  std::size_t from = 0;
-  if (separator && separator->_length > 0) {
-    for (std::size_t at; (at = find(this, separator, from)) < _length;
-         from = at + separator->_length)
-      pieces.push_back(substringWithRange({from, at - from}));
-  }
-  pieces.push_back(substringFromIndex(from));
+  forEachPiece(*this, separator,
+               [&](NSRange piece) { pieces.push_back(substringWithRange(piece)); });
   return NSArray::arrayWithElements(std::move(pieces));
 }
 

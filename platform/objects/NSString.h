@@ -40,6 +40,8 @@ class KBX_PLATFORM NSString : public NSObject {
   static Ref<NSString> stringWithLossyUTF8(std::string_view bytes);
   /// Any units are accepted; a lone surrogate stays as it is.
   static Ref<NSString> stringWithUTF16(std::u16string_view units);
+  /// The same text, keeping the units that are moved in where one of them is not ASCII.
+  static Ref<NSString> stringByTakingUTF16(std::u16string units);
   /// The text of a C string; absent when it is null or not valid UTF-8. (stringWithUTF8String:)
   static Ref<NSString> stringWithUTF8String(const char* text);
   /// The one object that stands for a literal's text, process-wide. Behind operator""_ns.
@@ -91,10 +93,11 @@ class KBX_PLATFORM NSString : public NSObject {
   /// limit where the number is out of range. (integerValue, intValue)
   std::int64_t integerValue() const;
   std::int32_t intValue() const;
-  /// True when the text begins, after leading blanks, with Y, y, T, t or a digit 1 to 9.
-  /// (boolValue)
+  /// True when the text begins with Y, y, T, t or a digit 1 to 9, after leading blanks, an optional
+  /// sign and zeros. (boolValue)
   bool boolValue() const;
-  /// The leading decimal number; 0 without one. (doubleValue)
+  /// The leading decimal number, after leading blanks and an optional sign; 0 without one, infinity
+  /// where it is too large. (doubleValue)
   double doubleValue() const;
 
   Ref<NSString> description() const override;

@@ -14,12 +14,16 @@ void StringBuilder::widen() {
 }
 
 StringBuilder& StringBuilder::append(NSString* text) {
-  if (!text) return *this;
-  text->visitUnits([this](auto units) {
+  return text ? append(*text, {0, text->length()}) : *this;
+}
+
+StringBuilder& StringBuilder::append(const NSString& text, NSRange range) {
+  text.visitUnits([&](auto units) {
+    const auto part = units.subspan(range.location, range.length);
     if constexpr (sizeof(units[0]) == 1)
-      append(std::string_view(units.data(), units.size()));
+      append(std::string_view(part.data(), part.size()));
     else
-      append(std::u16string_view(units.data(), units.size()));
+      append(std::u16string_view(part.data(), part.size()));
   });
   return *this;
 }
@@ -35,22 +39,29 @@ StringBuilder& StringBuilder::append(std::string_view utf8) {
 }
 
 StringBuilder& StringBuilder::append(std::u16string_view units) {
+  if (!_isWide && asciiPrefixLength(units) == units.size()) {
+    _ascii.append(units.begin(), units.end());
+    return *this;
+  }
   widen();
   _wide.append(units);
   return *this;
 }
 
 StringBuilder& StringBuilder::appendUnit(char16_t unit) {
-  const char byte = static_cast<char>(unit);
-  return unit < 0x80 && !_isWide ? append(std::string_view(&byte, 1))
-                                 : append(std::u16string_view(&unit, 1));
+  if (!_isWide && unit < 0x80) {
+    _ascii.push_back(static_cast<char>(unit));
+    return *this;
+  }
+  widen();
+  _wide.push_back(unit);
+  return *this;
 }
 
 Ref<NSString> StringBuilder::take() {
-  Ref<NSString> text =
-      _isWide ? NSString::stringWithUTF16(_wide) : NSString::stringByTakingUTF8(std::move(_ascii));
-  *this = StringBuilder();
-  return text;
+  StringBuilder taken = std::exchange(*this, StringBuilder());
+  return taken._isWide ? NSString::stringByTakingUTF16(std::move(taken._wide))
+                       : NSString::stringByTakingUTF8(std::move(taken._ascii));
 }
 
 }  // namespace kbx

@@ -18,9 +18,13 @@ class KBX_PLATFORM StringBuilder {
   /// UTF-8; every malformed sequence adds U+FFFD.
   StringBuilder& append(std::string_view utf8);
   StringBuilder& append(std::u16string_view units);
+  /// A part of a text. The range must lie inside it.
+  StringBuilder& append(const NSString& text, NSRange range);
   StringBuilder& appendUnit(char16_t unit);
 
-  bool isEmpty() const noexcept { return _ascii.empty() && _wide.empty(); }
+  bool isEmpty() const noexcept { return length() == 0; }
+  /// In units.
+  std::size_t length() const noexcept { return _isWide ? _wide.size() : _ascii.size(); }
   /// The text so far. The builder is empty afterwards.
   Ref<NSString> take();
 

@@ -14,6 +14,16 @@ namespace kbx {
 KBX_CLASS(NSNumber)
 KBX_ADOPTS(NSNumber, NSCoding)
 
+namespace {
+
+// Numbers and texts are asked for plain values without a look at their class.
+[[maybe_unused]] const bool answersValues =
+    addMethod<&NSNumber::boolValue>(NSNumber::classObject(), "boolValue") &&
+    addMethod<&NSNumber::integerValue>(NSNumber::classObject(), "integerValue") &&
+    addMethod<&NSNumber::doubleValue>(NSNumber::classObject(), "doubleValue");
+
+}  // namespace
+
 Ref<NSNumber> NSNumber::numberWithBool(bool value) {
   static auto* const yes = new NSNumber(Kind::Boolean, {.integer = 1});
   static auto* const no = new NSNumber(Kind::Boolean, {.integer = 0});

@@ -4,11 +4,18 @@
 #include <limits>
 #include <string>
 
+#include "platform/objects/NSClass.h"
 #include "platform/objects/NSString.h"
 #include "platform/text/PlainLocale.h"
 
 namespace kbx {
 namespace {
+
+// Numbers and texts are asked for plain values without a look at their class.
+[[maybe_unused]] const bool answersValues =
+    addMethod<&NSString::boolValue>(NSString::classObject(), "boolValue") &&
+    addMethod<&NSString::integerValue>(NSString::classObject(), "integerValue") &&
+    addMethod<&NSString::doubleValue>(NSString::classObject(), "doubleValue");
 
 bool isBlank(char16_t unit) { return unit == ' ' || (unit >= '\t' && unit <= '\r'); }
 bool isDigit(char16_t unit) { return unit >= '0' && unit <= '9'; }

@@ -32,6 +32,7 @@ NSData::~NSData() { std::free(_bytes); }
 Ref<NSData> NSData::data() { return dataWithBytesNoCopy(nullptr, 0); }
 
 Ref<NSData> NSData::dataWithBytes(const void* bytes, std::size_t length) {
+  if (length > PTRDIFF_MAX) throw std::bad_alloc();
   void* block = length ? std::malloc(length) : nullptr;
   if (length && !block) throw std::bad_alloc();
   if (length) std::memcpy(block, bytes, length);
@@ -99,14 +100,20 @@ Ref<NSMutableData> NSMutableData::dataWithLength(std::size_t length) {
 
 void NSMutableData::reserve(std::size_t capacity) {
   if (capacity <= _capacity) return;
+  if (capacity > PTRDIFF_MAX) throw std::bad_alloc();
   void* block = std::realloc(_bytes, capacity);
   if (!block) throw std::bad_alloc();
   _bytes = static_cast<std::uint8_t*>(block);
   _capacity = capacity;
 }
 
+void NSMutableData::grow(std::size_t length) {
+  // By half at least, so that a buffer that grows by small pieces is not copied for each of them.
+  if (length > _capacity) reserve(std::max(length, _capacity + _capacity / 2));
+}
+
 void NSMutableData::setLength(std::size_t length) {
-  reserve(length);
+  grow(length);
   if (length > _length) std::memset(_bytes + _length, 0, length - _length);
   _length = length;
 }
@@ -118,7 +125,7 @@ void NSMutableData::appendBytes(const void* bytes, std::size_t length) {
   const auto* from = static_cast<const std::uint8_t*>(bytes);
   const bool isInside = _bytes && from >= _bytes && from < _bytes + _length;
   const std::size_t offset = isInside ? static_cast<std::size_t>(from - _bytes) : 0;
-  if (_length + length > _capacity) reserve(std::max(_length + length, _capacity + _capacity / 2));
+  grow(_length + length);
   std::memmove(_bytes + _length, isInside ? _bytes + offset : from, length);
   _length += length;
 }

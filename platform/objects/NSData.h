@@ -24,6 +24,7 @@ class KBX_PLATFORM NSData : public NSObject {
   KBX_OBJECT(NSData, NSObject)
  public:
   static Ref<NSData> data();
+  /// A copy of the bytes; nullptr for none.
   static Ref<NSData> dataWithBytes(const void* bytes, std::size_t length);
   static Ref<NSData> dataWithBytes(std::string_view bytes);
   /// Takes over a block of the C allocator (freed with std::free) of at least `length` bytes.
@@ -89,6 +90,7 @@ class KBX_PLATFORM NSMutableData : public NSData {
  private:
   NSMutableData() noexcept : NSData(nullptr, 0) {}
   void reserve(std::size_t capacity);
+  void grow(std::size_t length);
 
   std::size_t _capacity = 0;
 };

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <functional>
 #include <limits>
+#include <optional>
 #include <string>
 
 #include "platform/objects/NSClass.h"
@@ -12,6 +13,30 @@
 namespace kbx {
 
 KBX_CLASS(NSNumber)
+
+namespace {
+
+/// A whole number of 65 bits, which holds every integer of either sign.
+struct Whole {
+  std::uint64_t word;
+  bool isNegative;
+
+  friend bool operator==(const Whole&, const Whole&) = default;
+};
+
+/// Absent when the number has a fraction or more digits than an integer can have.
+std::optional<Whole> whole(const NSNumber& number) {
+  if (number.kind() == NSNumber::Kind::Real) {
+    const double value = number.doubleValue();
+    if (!(value >= -0x1p63 && value < 0x1p64) || value != std::floor(value)) return std::nullopt;
+    if (value >= 0) return Whole{static_cast<std::uint64_t>(value), false};
+  }
+  const bool isUnsigned = number.kind() == NSNumber::Kind::Unsigned;
+  return Whole{static_cast<std::uint64_t>(number.integerValue()),
+               !isUnsigned && number.integerValue() < 0};
+}
+
+}  // namespace
 KBX_ADOPTS(NSNumber, NSCoding)
 
 namespace {
@@ -57,9 +82,9 @@ std::int64_t NSNumber::integerValue() const noexcept {
 
 std::uint64_t NSNumber::unsignedIntegerValue() const noexcept {
   if (_kind != Kind::Real) return _value.natural;
+  if (!(_value.real > 0)) return 0;
   if (_value.real >= 0x1p64) return std::numeric_limits<std::uint64_t>::max();
-  return _value.real >= 0x1p63 ? static_cast<std::uint64_t>(_value.real)
-                               : static_cast<std::uint64_t>(integerValue());
+  return static_cast<std::uint64_t>(_value.real);
 }
 
 double NSNumber::doubleValue() const noexcept {
@@ -85,13 +110,14 @@ Ref<NSString> NSNumber::description() const {
 bool NSNumber::isEqual(NSObject* other) const {
   auto* number = cast<NSNumber>(other);
   if (!number) return false;
-  if (_kind == Kind::Real || number->_kind == Kind::Real)
-    return doubleValue() == number->doubleValue();
-  const bool isHuge = _kind == Kind::Unsigned && _value.integer < 0;
-  const bool isOtherHuge = number->_kind == Kind::Unsigned && number->_value.integer < 0;
-  return isHuge == isOtherHuge && _value.integer == number->_value.integer;
+  const auto mine = whole(*this), theirs = whole(*number);
+  // A comparison of doubles would take neighbours for the same where they have not enough bits.
+  return mine && theirs ? mine == theirs : doubleValue() == number->doubleValue();
 }
 
-std::size_t NSNumber::hash() const { return std::hash<double>{}(doubleValue()); }
+std::size_t NSNumber::hash() const {
+  const auto value = whole(*this);
+  return value ? std::hash<std::uint64_t>{}(value->word) : std::hash<double>{}(doubleValue());
+}
 
 }  // namespace kbx

@@ -1,7 +1,6 @@
 // NSData: reading a file whole, and writing one.
 #include <cerrno>
 #include <cstdlib>
-#include <limits>
 #include <new>
 #include <random>
 #include <string>
@@ -9,6 +8,7 @@
 #include "platform/files/FileErrors.h"
 #include "platform/files/FileSystem.h"
 #include "platform/files/NSURL.h"
+#include "platform/files/ReadableFile.h"
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSError.h"
 #include "platform/objects/NSException.h"
@@ -16,10 +16,7 @@
 namespace kbx {
 namespace {
 
-/// Text services count in 32 bits, so what is longer could be read but not used.
-constexpr std::uint64_t kLargestFile = std::numeric_limits<std::int32_t>::max();
-
-/// Closes an open file, whatever happens.
+/// A file to write; closed whatever happens.
 class OpenFile {
  public:
   OpenFile(const std::string& path, FileSystem::Opening how)
@@ -68,23 +65,13 @@ int readToEnd(int descriptor, std::uint64_t expected, Block& block, std::size_t*
     if (count < 0) return static_cast<int>(count);
     if (count == 0) return 0;
     *length += static_cast<std::size_t>(count);
-    if (*length > kLargestFile) return -EFBIG;
+    if (*length > ReadableFile::kLargest) return -EFBIG;
   }
 }
 
 bool failWith(Ref<NSError>* error, NSURL* url, FileAction action, std::int64_t result) {
   if (error) *error = fileError(url, action, static_cast<int>(-result));
   return false;
-}
-
-/// Whether the location names a regular file of a size that can be read.
-bool checkReadable(NSURL* url, int result, const FileStatus& status, Ref<NSError>* error) {
-  if (result < 0) return failWith(error, url, FileAction::Reading, result);
-  if (status.kind != FileStatus::Kind::Regular) {
-    if (error) *error = notRegularFileError(url, status.kind == FileStatus::Kind::Directory);
-    return false;
-  }
-  return status.size <= kLargestFile || failWith(error, url, FileAction::Reading, -EFBIG);
 }
 
 int writeAll(int descriptor, std::string_view bytes) {
@@ -138,18 +125,11 @@ int writeAtomically(const std::string& path, std::string_view bytes) {
 
 Ref<NSData> NSData::dataWithContentsOfURL(NSURL* url, NSDataReadingOptions, Ref<NSError>* error) {
   if (!url) raiseInvalidArgument("-[NSData initWithContentsOfURL:options:error:]: nil URL");
-  auto& files = FileSystem::current();
-  const std::string& path = url->fileSystemRepresentation();
-  // Looked at before it is opened, because opening a device can do something, and again when it is
-  // open, because the name may mean another file by then.
-  FileStatus status;
-  if (!checkReadable(url, files.statusOfPath(path, &status), status, error)) return nullptr;
-  OpenFile file(path, FileSystem::Opening::Reading);
-  int result = file.descriptor() < 0 ? file.descriptor() : files.status(file.descriptor(), &status);
-  if (!checkReadable(url, result, status, error)) return nullptr;
+  const ReadableFile file(url, error);
+  if (!file.isOpen()) return nullptr;
   Block block;
   std::size_t length = 0;
-  result = readToEnd(file.descriptor(), status.size, block, &length);
+  const int result = readToEnd(file.descriptor(), file.size(), block, &length);
   if (result < 0) {
     failWith(error, url, FileAction::Reading, result);
     return nullptr;

@@ -1,0 +1,127 @@
+#include "host/JSONWriter.h"
+
+#include <cmath>
+#include <string>
+
+#include "host/Attributes.h"
+#include "host/Base64.h"
+#include "host/DateText.h"
+#include "host/Escaping.h"
+#include "platform/objects/NSArray.h"
+#include "platform/objects/NSData.h"
+#include "platform/objects/NSDictionary.h"
+#include "platform/objects/NSNull.h"
+#include "platform/objects/NSNumber.h"
+
+namespace kbx {
+namespace {
+
+constexpr SpecialASCII kSpecialInJSON("\"\\");
+
+}  // namespace
+
+void JSONWriter::newLine() {
+  _output.write('\n');
+  _output.writeBlanks(2 * _hasElements.size());
+}
+
+void JSONWriter::beginElement() {
+  if (_isAfterKey || _hasElements.empty()) {
+    _isAfterKey = false;
+    return;
+  }
+  if (_hasElements.back()) _output.write(_layout == Layout::OneLine ? ", " : ",");
+  if (_layout == Layout::Indented) newLine();
+  _hasElements.back() = true;
+}
+
+void JSONWriter::begin(char bracket) {
+  token({&bracket, 1});
+  _hasElements.push_back(false);
+}
+
+void JSONWriter::end(char bracket) {
+  const bool hadElements = _hasElements.back();
+  _hasElements.pop_back();
+  if (hadElements && _layout == Layout::Indented) newLine();
+  _output.write(bracket);
+}
+
+void JSONWriter::token(std::string_view text) {
+  beginElement();
+  _output.write(text);
+}
+
+void JSONWriter::quoted(NSString* text) {
+  _output.write('"');
+  writeUTF8(_output, text, kSpecialInJSON, [this](char16_t unit) {
+    if (unit == '"' || unit == '\\') {
+      const char escape[] = {'\\', static_cast<char>(unit)};
+      _output.write({escape, sizeof escape});
+    } else {
+      writeUnitEscape(_output, unit);
+    }
+  });
+  _output.write('"');
+}
+
+void JSONWriter::key(NSString* name) {
+  beginElement();
+  quoted(name);
+  _output.write(": ");
+  _isAfterKey = true;
+}
+
+void JSONWriter::string(NSString* text) {
+  beginElement();
+  quoted(text);
+}
+
+void JSONWriter::integer(std::int64_t value) { token(std::to_string(value)); }
+
+void JSONWriter::null() { token("null"); }
+
+void JSONWriter::number(NSNumber* number) {
+  if (number->isBoolean()) return token(number->boolValue() ? "true" : "false");
+  if (!std::isfinite(number->doubleValue())) return null();
+  token(number->description()->lossyUTF8());
+}
+
+void JSONWriter::date(NSDate* date) {
+  auto text = internetDate(date);
+  token(text ? '"' + *text + '"' : "null");
+}
+
+void JSONWriter::data(std::string_view bytes) {
+  token("\"");
+  writeBase64(_output, bytes);
+  _output.write('"');
+}
+
+void JSONWriter::array(NSArray* array) {
+  beginArray();
+  for (const auto& element : *array) value(element);
+  endArray();
+}
+
+void JSONWriter::dictionary(NSDictionary* dictionary) {
+  beginObject();
+  for (const auto& [name, object] : sortedAttributes(dictionary)) {
+    key(name);
+    value(object);
+  }
+  endObject();
+}
+
+void JSONWriter::value(NSObject* object) {
+  if (!object || cast<NSNull>(object) || _hasElements.size() > kDeepest) return null();
+  if (auto* text = cast<NSString>(object)) return string(text);
+  if (auto* count = cast<NSNumber>(object)) return number(count);
+  if (auto* time = cast<NSDate>(object)) return date(time);
+  if (auto* bytes = cast<NSData>(object)) return data(bytes->view());
+  if (auto* list = cast<NSArray>(object)) return array(list);
+  if (auto* entries = cast<NSDictionary>(object)) return dictionary(entries);
+  string(object->description());
+}
+
+}  // namespace kbx

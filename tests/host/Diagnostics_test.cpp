@@ -1,0 +1,41 @@
+#include "host/Diagnostics.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/Text.h"
+
+namespace kbx {
+namespace {
+
+struct Said {
+  StringOutput output;
+  Diagnostics diagnostics{output};
+};
+
+TEST(Diagnostics, AFailureIsOneLineWhateverItsPathAndReasonHold) {
+  Said said;
+  said.diagnostics.failure("a\nferncase: b\x1B[1m\xE9.eml", "no\nwonder \u202E\\"_ns);
+  EXPECT_EQ(said.output.text(),
+            "ferncase: a\\nferncase: b\\u001b[1m\\xe9.eml: no\\nwonder \\u202e\\\\\n");
+}
+
+TEST(Diagnostics, AMessageIsOneLine) {
+  Said said;
+  said.diagnostics.message("unknown option --a\nb");
+  EXPECT_EQ(said.output.text(), "ferncase: unknown option --a\\nb\n");
+}
+
+TEST(Diagnostics, OurOwnLinesStayAsTheyAre) {
+  Said said;
+  said.diagnostics.text("Usage:\n  one\n");
+  EXPECT_EQ(said.output.text(), "Usage:\n  one\n");
+}
+
+TEST(Diagnostics, FurtherLinesOfTheLogAreIndented) {
+  Said said;
+  said.diagnostics.log("one\nferncase: two\x1B"_ns);
+  EXPECT_EQ(said.output.text(), "log: one\n    ferncase: two\\u001b\n");
+}
+
+}  // namespace
+}  // namespace kbx

@@ -1,0 +1,58 @@
+// Command: one of the things that `ferncase` can be told to do.
+#pragma once
+
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "host/Diagnostics.h"
+#include "host/Output.h"
+
+namespace CLI {
+class App;
+}
+
+namespace kbx {
+
+/// What the process answers. docs/command-line.md explains each.
+enum ExitCode : int {
+  kDone = 0,
+  kBroken = 1,  // the output cannot be written, or something that should never happen
+  kMisused = 2,
+  kSomeFailed = 3,
+  kNoneDelivered = 4,
+  kReaderGone = 141  // as if the signal of a broken pipe had ended the process
+};
+
+/// Where a command's data and its complaints go.
+struct Console {
+  Output& output;
+  Diagnostics& diagnostics;
+};
+
+/// A command line that means nothing. The text is for people.
+struct UsageError : std::runtime_error {
+  using std::runtime_error::runtime_error;
+};
+
+/// A further command is a class of its own and a line in CommandLine.cpp.
+class Command {
+ public:
+  virtual ~Command() = default;
+
+  virtual std::string_view name() const = 0;
+  /// One sentence, for the list of commands.
+  virtual std::string_view summary() const = 0;
+  /// What stands behind the options in the usage line: "PATH...".
+  virtual std::string_view operands() const = 0;
+  /// What stands below the options in the help.
+  virtual std::string_view notes() const { return {}; }
+  virtual void declareOptions(CLI::App& options) = 0;
+  /// operands  what is left of the command line without the options, in bytes
+  ///
+  /// Raises UsageError.
+  virtual ExitCode run(std::vector<std::string> operands, Console& console) = 0;
+};
+
+}  // namespace kbx

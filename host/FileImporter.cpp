@@ -1,0 +1,51 @@
+#include "host/FileImporter.h"
+
+#include <exception>
+#include <string>
+
+#include "host/FerncaseErrors.h"
+#include "host/ImportErrors.h"
+#include "platform/files/ReadableFile.h"
+#include "platform/objects/NSNumber.h"
+#include "platform/plugins/PlugInServices.h"
+#include "platform/system/SystemRoot.h"
+
+namespace kbx {
+namespace {
+
+/// What a caller puts into the attributes to have the mail importer used wherever it runs.
+NSString* forceKey() { return "FoxTrot"_ns; }
+
+/// Importers answer an unreadable file with an empty text, so the host looks first.
+bool isReadable(NSURL* file, Ref<NSError>* error) { return ReadableFile(file, error).isOpen(); }
+
+/// Empty when nothing failed. The importer keeps the loader's reason to itself.
+std::string mailImporterReason() {
+  constexpr std::string_view kBundle = "/System/Library/Spotlight/Mail.mdimporter";
+  auto bundle = NSURL::fileURLWithFileSystemRepresentation(kBundle, true);
+  std::string reason = PlugInServices::current().failureReason(bundle);
+  if (reason.empty()) return {};
+  return "The mail importer " + pathBelowSystemRoot(kBundle) + " can’t be loaded: " + reason;
+}
+
+}  // namespace
+
+Ref<NSDictionary> FileImporter::attributesOfFile(NSURL* file, Ref<NSError>* error) {
+  if (!isReadable(file, error)) return nullptr;
+  auto attributes = NSMutableDictionary::dictionary();
+  if (_usesMailImporter) attributes->setObjectForKey(NSNumber::numberWithBool(true), forceKey());
+  const ImportLog::Recording recording;
+  try {
+    if (_importer.importFile(file, attributes)) {
+      attributes->removeObjectForKey(forceKey());
+      return attributes;
+    }
+    *error = importError(recording.lines(), _usesMailImporter ? mailImporterReason() : "");
+  } catch (const std::exception& exception) {
+    *error = ferncaseError(FerncaseImportFailedError,
+                           std::string("The importer failed: ") + exception.what());
+  }
+  return nullptr;
+}
+
+}  // namespace kbx

@@ -1,0 +1,163 @@
+#include "host/ImportCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <optional>
+
+#include "host/FerncaseErrors.h"
+#include "host/FileImporter.h"
+#include "host/ImportLog.h"
+#include "host/InputFiles.h"
+#include "host/Results.h"
+#include "host/StandardInput.h"
+#include "platform/files/FileNames.h"
+
+namespace kbx {
+namespace {
+
+constexpr char kDefaultImporter[] = "/Library/Spotlight/FerncaseSpotlightImporter.mdimporter";
+
+struct Options {
+  std::string importer = kDefaultImporter;
+  bool isJSON = false;
+  bool isLines = false;
+  bool isForced = false;
+  bool isRaw = false;
+  bool isVerbose = false;
+};
+
+/// The results of one command line, one input after the other.
+class ImportRun {
+ public:
+  ImportRun(FileImporter importer, Results& results, Diagnostics& diagnostics)
+      : _importer(importer), _results(results), _diagnostics(diagnostics) {}
+
+  void importInput(const Input& input);
+  ExitCode exitCode() const {
+    if (!_hasFailures) return kDone;
+    return _hasDelivered ? kSomeFailed : kNoneDelivered;
+  }
+
+ private:
+  Ref<NSDictionary> attributesOf(const Input& input, Ref<NSError>* error);
+
+  FileImporter _importer;
+  Results& _results;
+  Diagnostics& _diagnostics;
+  bool _hasDelivered = false;
+  bool _hasFailures = false;
+};
+
+void ImportRun::importInput(const Input& input) {
+  Ref<NSError> error = input.error;
+  Ref<NSDictionary> attributes = error ? nullptr : attributesOf(input, &error);
+  if (attributes) {
+    _hasDelivered = true;
+    _results.delivered(input.path, attributes);
+  } else {
+    _hasFailures = true;
+    _results.failed(input.path, error);
+    _diagnostics.failure(input.path, error->localizedDescription());
+  }
+}
+
+Ref<NSDictionary> ImportRun::attributesOf(const Input& input, Ref<NSError>* error) {
+  if (input.path == "-") {
+    const StandardInput copy(error);
+    return copy.url() ? _importer.attributesOfFile(copy.url(), error) : nullptr;
+  }
+  auto url = NSURL::fileURLWithFileSystemRepresentation(input.path, false);
+  if (url) return _importer.attributesOfFile(url, error);
+  *error = ferncaseError(FerncaseImpossiblePathError, "No file can have this path.");
+  return nullptr;
+}
+
+class ImportCommand final : public Command {
+ public:
+  std::string_view name() const override { return "import"; }
+  std::string_view summary() const override {
+    return "Print the attributes of messages and of all messages in folders.";
+  }
+  std::string_view operands() const override { return "PATH..."; }
+  std::string_view notes() const override;
+  void declareOptions(CLI::App& options) override;
+  ExitCode run(std::vector<std::string> operands, Console& console) override;
+
+ private:
+  void checkUsage(const std::vector<std::string>& operands) const;
+  std::unique_ptr<Results> makeResults(Output& output, bool hasSeveral) const;
+  ExitCode importAll(ImporterBundle& importer, std::vector<std::string> operands,
+                     Console& console) const;
+
+  Options _options;
+};
+
+std::string_view ImportCommand::notes() const {
+  return "A folder stands for the .eml files in it and in the folders inside it. - reads a "
+         "message\n"
+         "from standard input. -- ends the options.\n"
+         "\n"
+         "Exit codes: 0 done, 1 output cannot be written, 2 wrong usage, 3 some inputs failed,\n"
+         "4 none was delivered.";
+}
+
+void ImportCommand::declareOptions(CLI::App& options) {
+  options.add_option("--importer", _options.importer, "The importer bundle to ask")
+      ->type_name("BUNDLE");
+  options.add_flag("--json", _options.isJSON, "Print one JSON array");
+  options.add_flag("--ndjson", _options.isLines, "Print one JSON object a line, at once");
+  options.add_flag("--force", _options.isForced, "Use the mail importer");
+  options.add_flag("--raw-fallback", _options.isRaw,
+                   "Let the importer answer with the raw text (the default)");
+  options.add_flag("-v,--verbose", _options.isVerbose,
+                   "Print what the importer logs to standard error");
+}
+
+void ImportCommand::checkUsage(const std::vector<std::string>& operands) const {
+  if (operands.empty()) throw UsageError("import needs a PATH");
+  if (_options.isJSON && _options.isLines)
+    throw UsageError("--json and --ndjson exclude each other");
+  if (_options.isForced && _options.isRaw)
+    throw UsageError("--force and --raw-fallback exclude each other");
+  if (_options.importer.empty()) throw UsageError("--importer needs a BUNDLE");
+}
+
+std::unique_ptr<Results> ImportCommand::makeResults(Output& output, bool hasSeveral) const {
+  if (_options.isJSON) return makeJSONResults(output);
+  if (_options.isLines) return makeLineResults(output);
+  return makeTextResults(output, hasSeveral);
+}
+
+ExitCode ImportCommand::run(std::vector<std::string> operands, Console& console) {
+  checkUsage(operands);
+  ImportLog log(_options.isVerbose ? &console.diagnostics : nullptr);
+  const ScopedService<ClassicLog> installed(log);
+  std::string reason;
+  auto url = NSURL::fileURLWithFileSystemRepresentation(_options.importer, true);
+  auto importer = ImporterBundle::load(url, &reason);
+  if (importer) return importAll(*importer, std::move(operands), console);
+  console.diagnostics.failure(_options.importer, stringWithFileSystemRepresentation(reason));
+  return kNoneDelivered;
+}
+
+ExitCode ImportCommand::importAll(ImporterBundle& importer, std::vector<std::string> operands,
+                                  Console& console) const {
+  const bool isNamedAlone = operands.size() == 1;
+  InputFiles inputs(std::move(operands));
+  // The text form is another for one file than for several, so one is looked at ahead.
+  std::optional<Input> input = inputs.next(), following = inputs.next();
+  auto results = makeResults(console.output, !isNamedAlone || following);
+  ImportRun run(FileImporter(importer, _options.isForced), *results, console.diagnostics);
+  results->begin();
+  for (; input; input = std::exchange(following, inputs.next())) {
+    run.importInput(*input);
+    if (!console.output.flush()) return kBroken;
+  }
+  results->end();
+  return run.exitCode();
+}
+
+}  // namespace
+
+std::unique_ptr<Command> makeImportCommand() { return std::make_unique<ImportCommand>(); }
+
+}  // namespace kbx

@@ -1,0 +1,81 @@
+#include "host/CommandLine.h"
+
+#include <gtest/gtest.h>
+
+namespace kbx {
+namespace {
+
+struct Answer {
+  ExitCode code;
+  std::string output, complaints;
+};
+
+Answer run(const std::vector<std::string>& arguments) {
+  StringOutput output, complaints;
+  Diagnostics diagnostics(complaints);
+  Console console{output, diagnostics};
+  const ExitCode code = runCommandLine(arguments, console);
+  return {code, output.text(), complaints.text()};
+}
+
+TEST(CommandLine, HelpThatIsAskedForIsOutput) {
+  for (std::vector<std::string> arguments :
+       {std::vector<std::string>{"--help"}, {"-h"}, {"import", "--help"}, {"import", "-h", "x"}}) {
+    auto [code, output, complaints] = run(arguments);
+    EXPECT_EQ(code, kDone);
+    EXPECT_NE(output.find("Usage: ferncase"), std::string::npos);
+    EXPECT_EQ(complaints, "");
+  }
+}
+
+TEST(CommandLine, TheGeneralHelpListsTheCommands) {
+  EXPECT_NE(run({"--help"}).output.find("\n  import      Print"), std::string::npos);
+}
+
+TEST(CommandLine, TheVersionIsOneLine) {
+  auto [code, output, complaints] = run({"--version"});
+  EXPECT_EQ(code, kDone);
+  EXPECT_TRUE(output.starts_with("ferncase 0."));
+  EXPECT_EQ(output.find('\n'), output.size() - 1);
+  EXPECT_EQ(complaints, "");
+}
+
+TEST(CommandLine, NoArgumentsAreAnsweredWithHelpThatIsNoOutput) {
+  auto [code, output, complaints] = run({});
+  EXPECT_EQ(code, kMisused);
+  EXPECT_EQ(output, "");
+  EXPECT_NE(complaints.find("Usage: ferncase"), std::string::npos);
+}
+
+TEST(CommandLine, WrongUsageIsToldWithAHint) {
+  struct Case {
+    std::vector<std::string> arguments;
+    const char *complaint, *hint;
+  };
+  for (const auto& [arguments, complaint, hint] :
+       {Case{{"frob"}, "unknown command frob", "--help"},
+        {{"--frob"}, "unknown option --frob", "--help"},
+        {{"x\ny"}, "unknown command x\\ny", "--help"},
+        {{"import"}, "import needs a PATH", "import --help"},
+        {{"import", "--"}, "import needs a PATH", "import --help"},
+        {{"import", "--frob", "a"}, "unknown option --frob", "import --help"},
+        {{"import", "a", "-x"}, "unknown option -x", "import --help"},
+        {{"import", "-vx", "a"}, "unknown option -x", "import --help"},
+        {{"import", "--importer"}, "--importer: 1 required BUNDLE missing", "import --help"},
+        {{"import", "--importer", "", "a"}, "--importer needs a BUNDLE", "import --help"},
+        {{"import", "--json", "--ndjson", "a"},
+         "--json and --ndjson exclude each other",
+         "import --help"},
+        {{"import", "--force", "--raw-fallback", "a"},
+         "--force and --raw-fallback exclude each other",
+         "import --help"}}) {
+    auto answer = run(arguments);
+    EXPECT_EQ(answer.code, kMisused);
+    EXPECT_EQ(answer.output, "");
+    EXPECT_EQ(answer.complaints, std::string("ferncase: ") + complaint +
+                                     "\nferncase: try \"ferncase " + hint + "\"\n");
+  }
+}
+
+}  // namespace
+}  // namespace kbx

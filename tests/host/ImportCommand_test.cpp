@@ -1,0 +1,336 @@
+// The whole command as a user runs it, with the importer that the build made.
+#include "host/ImportCommand.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <nlohmann/json.hpp>
+
+#include "tests/support/Process.h"
+#include "tests/support/Text.h"
+
+namespace kbx {
+namespace {
+
+using nlohmann::json;
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+const char kImporter[] = FERNCASE_SPOTLIGHT_DIR "/FerncaseSpotlightImporter.mdimporter";
+const char kMessage[] = "Subject: Hello\n\nGood morning\n";
+
+class ImportCommandTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    if (!std::filesystem::exists(kImporter)) GTEST_SKIP() << "no importer is built";
+  }
+
+  Process command(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {FERNCASE_BINARY, "import"});
+    return Process(std::move(arguments));
+  }
+  /// In the folder of the test's files.
+  Finished run(std::vector<std::string> arguments) {
+    return command(std::move(arguments)).folder(_folder.path()).run();
+  }
+  /// The objects of the lines that `--ndjson` prints.
+  static std::vector<json> lines(const std::string& output) {
+    std::vector<json> found;
+    std::istringstream stream(output);
+    for (std::string line; std::getline(stream, line);) found.push_back(json::parse(line));
+    return found;
+  }
+  std::vector<json> runLines(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "--ndjson");
+    return lines(run(std::move(arguments)).output);
+  }
+
+  TemporaryFolder _folder;
+};
+
+std::string textOf(const json& result) {
+  return result.at("attributes").at("kMDItemTextContent").get<std::string>();
+}
+
+TEST_F(ImportCommandTest, OneFileIsShownWithoutAHeading) {
+  _folder.write("a.eml", kMessage);
+  auto [code, output, complaints] = run({"a.eml"});
+  EXPECT_EQ(code, 0);
+  EXPECT_EQ(output,
+            "kMDItemTextContent = \"Subject: Hello\n"
+            "                      \n"
+            "                      Good morning\n"
+            "                      \"\n");
+  EXPECT_EQ(complaints, "");
+}
+
+TEST_F(ImportCommandTest, SeveralFilesAreShownUnderHeadings) {
+  _folder.write("a.eml", "a");
+  _folder.write("b.eml", "b");
+  const std::string both =
+      "== ./a.eml\nkMDItemTextContent = \"a\"\n\n== ./b.eml\nkMDItemTextContent = \"b\"\n";
+  EXPECT_EQ(run({"./a.eml", "./b.eml"}).output, both);
+  EXPECT_EQ(run({"."}).output, both);
+}
+
+TEST_F(ImportCommandTest, AHostileMessageCannotDriveTheTerminal) {
+  _folder.write("a.eml",
+                "\x1B]0;owned\x07\xC2\x9B"
+                "31m\xE2\x80\xAE");
+  EXPECT_EQ(run({"a.eml"}).output,
+            "kMDItemTextContent = \"\\u001b]0;owned\\u0007\\u009b31m\\u202e\"\n");
+}
+
+TEST_F(ImportCommandTest, LinesOfObjectsKeepTheOrderOfTheInputs) {
+  for (auto name : {"c.eml", "a.eml", "b.eml"}) _folder.write(name, name);
+  auto results = runLines({"c.eml", "missing.eml", ".", "b.eml"});
+  std::vector<std::string> paths;
+  for (const auto& result : results) paths.push_back(result.at("path"));
+  EXPECT_THAT(paths, ElementsAre("c.eml", "missing.eml", "./a.eml", "./b.eml", "./c.eml", "b.eml"));
+  EXPECT_EQ(textOf(results[2]), "a.eml");
+}
+
+TEST_F(ImportCommandTest, TheArrayHoldsWhatTheLinesHold) {
+  _folder.write("a.eml", "\"\\\x01 \xC3\xA4\xE2\x80\xAE\xF0\x9F\x98\x80\r\n");
+  const std::vector<std::string> inputs{"a.eml", "missing.eml", "a.eml"};
+  auto arguments = inputs;
+  arguments.insert(arguments.begin(), "--json");
+  auto array = json::parse(run(arguments).output);
+  EXPECT_EQ(array, json(runLines(inputs)));
+  EXPECT_EQ(array.size(), 3u);
+  EXPECT_EQ(array[1].at("error").at("code"), 260);
+}
+
+TEST_F(ImportCommandTest, EachBadInputIsOneErrorAndTheOthersAreDelivered) {
+  _folder.write("good.eml", "good");
+  ASSERT_EQ(::mkfifo((_folder / "pipe.eml").c_str(), 0600), 0);
+  std::filesystem::create_directory(_folder / "empty");
+  std::filesystem::create_symlink("nowhere", _folder / "dangling.eml");
+  std::filesystem::create_symlink("circle.eml", _folder / "circle.eml");
+  _folder.write("large.eml", "");
+  std::filesystem::resize_file(_folder / "large.eml", std::uint64_t{1} << 31);
+  struct Case {
+    const char* path;
+    std::int64_t code;
+    const char* reason;
+  };
+  for (auto [path, code, reason] : {Case{"missing.eml", 260, "there is no such file"},
+                                    {"good.eml/inside", 260, "there is no such file"},
+                                    {"dangling.eml", 260, "there is no such file"},
+                                    {"circle.eml", 256, "Too many levels of symbolic links"},
+                                    {"pipe.eml", 256, "it is no regular file"},
+                                    {"/dev/null", 256, "it is no regular file"},
+                                    {"/dev/zero", 256, "it is no regular file"},
+                                    {"large.eml", 263, "it is too large"},
+                                    {"empty", 2, "The folder holds no message"},
+                                    {"", 3, "No file can have this path"}}) {
+    SCOPED_TRACE(path);
+    auto [exitCode, output, complaints] = run({"--ndjson", path, "good.eml"});
+    auto results = lines(output);
+    ASSERT_EQ(results.size(), 2u);
+    EXPECT_EQ(results[0].at("path"), path);
+    EXPECT_EQ(results[0].at("error").at("code"), code);
+    EXPECT_THAT(results[0].at("error").at("description").get<std::string>(), HasSubstr(reason));
+    EXPECT_EQ(textOf(results[1]), "good");
+    EXPECT_EQ(exitCode, 3);
+    EXPECT_THAT(complaints, StartsWith("ferncase: " + std::string(path) + ": "));
+    EXPECT_THAT(complaints, HasSubstr(reason));
+    EXPECT_EQ(run({path}).exitCode, 4);
+    EXPECT_EQ(run({path}).output, "");
+  }
+}
+
+TEST_F(ImportCommandTest, AnEmptyFileHasAnEmptyText) {
+  _folder.write("a.eml", "");
+  EXPECT_EQ(textOf(runLines({"a.eml"}).at(0)), "");
+}
+
+TEST_F(ImportCommandTest, MalformedTextIsDelivered) {
+  _folder.write("a.eml", "caf\xE9 \xFF\xFE\x80");
+  auto [code, output, complaints] = run({"--json", "a.eml"});
+  EXPECT_EQ(code, 0);
+  EXPECT_TRUE(json::parse(output)[0].at("attributes").at("kMDItemTextContent").is_string());
+  EXPECT_EQ(complaints, "");
+}
+
+TEST_F(ImportCommandTest, OddNamesAreDelivered) {
+  const std::vector<std::string> names{"-dash.eml", "a b.eml",      "line\nfeed.eml", "[Gmail].eml",
+                                       "{}.eml",    "caf\xE9.eml",  "ä€😀.eml",        "--.eml",
+                                       "'\"\\.eml", "\x1B[31m.eml", "a,b.eml",        "%s.eml"};
+  for (const auto& name : names) _folder.write(name, name);
+  auto arguments = names;
+  arguments.insert(arguments.begin(), {"--ndjson", "--"});
+  auto [code, output, complaints] = run(arguments);
+  EXPECT_EQ(code, 0);
+  EXPECT_EQ(complaints, "");
+  EXPECT_EQ(std::ranges::count(output, '\n'), static_cast<std::ptrdiff_t>(names.size()));
+  EXPECT_EQ(run({"--ndjson", "."}).exitCode, 0);
+}
+
+TEST_F(ImportCommandTest, ANameInBracketsIsOneOperand) {
+  std::filesystem::create_directory(_folder / "[Gmail]");
+  _folder.write("[Gmail]/a.eml", "a");
+  _folder.write("[a,b]", "b");
+  auto results = runLines({"[Gmail]", "[a,b]"});
+  ASSERT_EQ(results.size(), 2u);
+  EXPECT_EQ(results[0].at("path"), "[Gmail]/a.eml");
+  EXPECT_EQ(textOf(results[1]), "b");
+}
+
+TEST_F(ImportCommandTest, AnErrorLineCannotBeFakedByAName) {
+  auto [code, output, complaints] = run({"x\nferncase: fake: \x1B[31m\xE9"});
+  EXPECT_EQ(code, 4);
+  EXPECT_THAT(complaints, StartsWith("ferncase: x\\nferncase: fake: \\u001b[31m\\xe9: "));
+  EXPECT_EQ(std::ranges::count(complaints, '\n'), 1);
+}
+
+TEST_F(ImportCommandTest, StandardInputIsAMessage) {
+  for (auto arguments : {std::vector<std::string>{"--ndjson", "-"}, {"--ndjson", "--", "-"}}) {
+    auto finished = command(arguments).input(kMessage).run();
+    auto results = lines(finished.output);
+    ASSERT_EQ(results.size(), 1u);
+    EXPECT_EQ(results[0].at("path"), "-");
+    EXPECT_EQ(textOf(results[0]), kMessage);
+  }
+}
+
+TEST_F(ImportCommandTest, TheRawFallbackIsTheDefault) {
+  _folder.write("a.eml", kMessage);
+  EXPECT_EQ(runLines({"a.eml"}), runLines({"--raw-fallback", "a.eml"}));
+}
+
+TEST_F(ImportCommandTest, AMissingMailImporterIsNamed) {
+  _folder.write("a.eml", kMessage);
+  std::filesystem::create_directories(_folder / "root");
+  auto finished = command({"--force", "--ndjson", "--importer", kImporter, "a.eml"})
+                      .folder(_folder.path())
+                      .variable("KBX_SYSTEM_ROOT=" + (_folder / "root").string())
+                      .run();
+  EXPECT_EQ(finished.exitCode, 4);
+  auto results = lines(finished.output);
+  ASSERT_EQ(results.size(), 1u);
+  EXPECT_EQ(results[0].at("error").at("domain"), "FerncaseErrorDomain");
+  EXPECT_THAT(results[0].at("error").at("description").get<std::string>(),
+              HasSubstr("root/System/Library/Spotlight/Mail.mdimporter can’t be loaded: "));
+  EXPECT_EQ(_folder.count(), 2u) << "something was left behind";
+}
+
+TEST_F(ImportCommandTest, WithTheForceFlagTheMailImporterIsUsed) {
+  _folder.write("a.eml", kMessage);
+  auto finished = command({"--force", "--ndjson", "--importer", kImporter, "a.eml"})
+                      .folder(_folder.path())
+                      .variable("KBX_SYSTEM_ROOT=" FERNCASE_BUNDLES_DIR "/root")
+                      .run();
+  ASSERT_EQ(finished.exitCode, 0) << finished.complaints;
+  auto attributes = lines(finished.output).at(0).at("attributes");
+  EXPECT_EQ(attributes.at("kMDItemSubject"), "Hello");
+  EXPECT_EQ(attributes.at("kMDItemTextContent"), "Good morning\n");
+  EXPECT_FALSE(attributes.contains("FoxTrot"));
+  EXPECT_EQ(_folder.count(), 1u);
+}
+
+TEST_F(ImportCommandTest, VerboseShowsTheLogOnStandardError) {
+  _folder.write("a.eml", kMessage);
+  auto process = command({"-v", "--force", "--importer", kImporter, "a.eml"});
+  auto finished = process.folder(_folder.path()).variable("KBX_SYSTEM_ROOT=/nowhere").run();
+  EXPECT_THAT(finished.complaints, HasSubstr("log: FerncaseSpotlightImporter error (null) for"));
+  EXPECT_EQ(finished.output, "");
+}
+
+TEST_F(ImportCommandTest, ABundleThatCannotBeLoadedIsNamedWithTheReason) {
+  _folder.write("a.eml", kMessage);
+  for (auto form : {"--json", "--ndjson", "-v"}) {
+    auto [code, output, complaints] = run({form, "--importer", "gone.mdimporter", "a.eml"});
+    EXPECT_EQ(code, 4);
+    EXPECT_EQ(output, "");
+    EXPECT_THAT(complaints, HasSubstr("ferncase: gone.mdimporter: No such file or directory"));
+  }
+}
+
+TEST_F(ImportCommandTest, AFullDiskIsReported) {
+  const int full = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
+  ASSERT_GE(full, 0);
+  _folder.write("a.eml", kMessage);
+  for (auto form : {"--json", "--ndjson", "-v"}) {
+    auto finished = command({form, (_folder / "a.eml").string()}).outputTo(full).run();
+    EXPECT_EQ(finished.exitCode, 1);
+    EXPECT_EQ(finished.complaints, "ferncase: standard output: No space left on device\n");
+  }
+  auto help = Process({FERNCASE_BINARY, "--help"}).outputTo(full).run();
+  EXPECT_EQ(help.exitCode, 1);
+  ::close(full);
+}
+
+TEST_F(ImportCommandTest, AReaderThatIsGoneEndsTheCommandQuietly) {
+  int ends[2];
+  ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+  ::close(ends[0]);
+  _folder.write("a.eml", kMessage);
+  auto finished = command({"--ndjson", (_folder / "a.eml").string()}).outputTo(ends[1]).run();
+  EXPECT_EQ(finished.exitCode, 141);
+  EXPECT_EQ(finished.complaints, "");
+  ::close(ends[1]);
+}
+
+TEST_F(ImportCommandTest, AClosedOutputIsReportedAndNoFileTakesItsPlace) {
+  _folder.write("a.eml", kMessage);
+  auto finished = command({"-"}).input(kMessage).outputTo(-1).run();
+  EXPECT_EQ(finished.exitCode, 1);
+  EXPECT_EQ(finished.complaints, "ferncase: standard output: Bad file descriptor\n");
+}
+
+/// The messages that others wrote, where they are at hand.
+class RealMessagesTest : public ImportCommandTest {
+ protected:
+  void SetUp() override {
+    ImportCommandTest::SetUp();
+    if (!IsSkipped() && !std::filesystem::exists(messages()))
+      GTEST_SKIP() << "no messages in " << messages();
+  }
+  static std::filesystem::path messages() { return FERNCASE_SOURCE_DIR "/../shared/data/eml"; }
+};
+
+std::string bytesOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST_F(RealMessagesTest, AllAreDeliveredAndTheirTextIsTheirBytes) {
+  auto [code, output, complaints] = run({"--ndjson", messages().string()});
+  EXPECT_EQ(code, 0);
+  EXPECT_EQ(complaints, "");
+  auto results = lines(output);
+  EXPECT_EQ(results.size(), 200u);
+  std::size_t compared = 0;
+  for (const auto& result : results) {
+    const std::string path = result.at("path"), bytes = bytesOf(path);
+    const std::string text = textOf(result);
+    if (NSString::stringWithUTF8(bytes)) {
+      ++compared;
+      EXPECT_TRUE(text == bytes) << path;
+    } else {
+      EXPECT_FALSE(text.empty()) << path;
+    }
+  }
+  EXPECT_GE(compared, 150u);
+}
+
+TEST_F(RealMessagesTest, TheArrayIsValid) {
+  auto finished = run({"--json", messages().string()});
+  EXPECT_EQ(json::parse(finished.output).size(), 200u);
+}
+
+TEST_F(RealMessagesTest, TheTextFormHoldsNoControlCharacter) {
+  auto finished = run({messages().string()});
+  EXPECT_EQ(finished.exitCode, 0);
+  EXPECT_TRUE(std::ranges::all_of(finished.output, [](char byte) {
+    const auto value = static_cast<unsigned char>(byte);
+    return byte == '\n' || (value >= 0x20 && value != 0x7F);
+  }));
+}
+
+}  // namespace
+}  // namespace kbx

@@ -1,0 +1,70 @@
+#include "host/ImporterBundle.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/FakeImporter.h"
+#include "tests/support/Text.h"
+
+namespace kbx {
+namespace {
+
+std::string attribute(NSDictionary* attributes, NSString* name) {
+  return text(attributes->objectForKey(name));
+}
+
+TEST(ImporterBundle, TheFirstFactoryWithAnInterfaceIsUsed) {
+  std::string reason;
+  auto importer = ImporterBundle::load(testBundle("SecondFactory"), &reason);
+  ASSERT_TRUE(importer) << reason;
+  TemporaryFolder folder;
+  auto attributes = NSMutableDictionary::dictionary();
+  EXPECT_TRUE(importer->importFile(folder.write("a.eml", ""), attributes));
+  EXPECT_EQ(attribute(attributes, "kMDItemTextContent"_ns), "from the second factory");
+}
+
+TEST(ImporterBundle, TheInterfaceForPathsServesWhereThereIsNoOther) {
+  std::string reason;
+  auto importer = ImporterBundle::load(testBundle("LegacyOnly"), &reason);
+  ASSERT_TRUE(importer) << reason;
+  TemporaryFolder folder;
+  auto attributes = NSMutableDictionary::dictionary();
+  EXPECT_TRUE(importer->importFile(folder.write("ä.eml", ""), attributes));
+  EXPECT_EQ(attribute(attributes, "kMDItemTextContent"_ns), (folder / "ä.eml").string());
+  EXPECT_EQ(attribute(attributes, "LegacyContentType"_ns), "com.apple.mail.email");
+}
+
+TEST(ImporterBundle, OneInstanceServesManyFiles) {
+  int calls = 0;
+  FakeImporter fake([&](auto...) { return ++calls < 3; });
+  std::string reason;
+  auto importer = ImporterBundle::load(fake.bundle(), &reason);
+  ASSERT_TRUE(importer) << reason;
+  TemporaryFolder folder;
+  auto attributes = NSMutableDictionary::dictionary();
+  EXPECT_TRUE(importer->importFile(folder.write("a.eml", ""), attributes));
+  EXPECT_TRUE(importer->importFile(folder.write("b.eml", ""), attributes));
+  EXPECT_FALSE(importer->importFile(folder.write("c.eml", ""), attributes));
+}
+
+TEST(ImporterBundle, ABundleWithoutAnImporterGivesNoneAndAReason) {
+  TemporaryFolder folder;
+  folder.write("file.mdimporter", "");
+  struct Case {
+    Ref<NSURL> bundle;
+    const char* reason;
+  };
+  for (const auto& [bundle, expected] :
+       {Case{folder.url("missing.mdimporter"), "No such file or directory"},
+        {folder.url("file.mdimporter"), "not a folder"},
+        {folder.url(), "Info.plist"},
+        {testBundle("NoInstance"), "made no instance"},
+        {testBundle("NoExecutable"), "cannot open shared object file"},
+        {testBundle("OtherType"), "the bundle holds no metadata importer"}}) {
+    std::string reason;
+    EXPECT_FALSE(ImporterBundle::load(bundle, &reason));
+    EXPECT_NE(reason.find(expected), std::string::npos) << reason;
+  }
+}
+
+}  // namespace
+}  // namespace kbx

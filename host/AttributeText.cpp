@@ -72,7 +72,8 @@ void AttributeText::value(NSObject* value, std::size_t level, std::size_t column
 
 void AttributeText::quoted(NSString* text, std::size_t column) {
   _output.write('"');
-  writeUTF8(_output, text, kSpecialInQuotes, [&](char16_t unit) {
+  writeUTF8(_output, text, kSpecialInQuotes, [&](char16_t unit, char16_t next) {
+    if (unit == '\r' && next == '\n') return;  // one line break, however it is written
     if (unit == '\n') {
       _output.write('\n');
       _output.writeBlanks(column + 1);

@@ -36,7 +36,7 @@ void Diagnostics::text(std::string_view ours) {
 void Diagnostics::log(NSString* text) {
   std::lock_guard held(_lock);
   _output.write("log: ");
-  writeUTF8(_output, text, kSpecialInLog, [this](char16_t unit) {
+  writeUTF8(_output, text, kSpecialInLog, [this](char16_t unit, char16_t) {
     if (unit == '\n')
       _output.write("\n    ");
     else

@@ -35,12 +35,12 @@ void writeUnitEscape(Output& output, char16_t unit) {
 
 void writeOnOneLine(Output& output, NSString* text) {
   writeUTF8(output, text, kSpecialOnOneLine,
-            [&](char16_t unit) { writeBackslashOrUnit(output, unit); });
+            [&](char16_t unit, char16_t) { writeBackslashOrUnit(output, unit); });
 }
 
 void writePath(Output& output, std::string_view path) {
   // The text of a path holds a byte that is no character as U+DC00 plus the byte.
-  auto escape = [&](char16_t unit) {
+  auto escape = [&](char16_t unit, char16_t) {
     if (unit < 0xDC80 || unit > 0xDCFF) return writeBackslashOrUnit(output, unit);
     output.write("\\x");
     writeHexadecimal(output, unit & 0xFF, 2);

@@ -38,7 +38,7 @@ class SpecialASCII {
 };
 
 /// Writes the text as UTF-8, but hands special characters of ASCII, other unsafe units and lone
-/// surrogates to `escape`, each as a char16_t.
+/// surrogates to `escape(unit, next)`; next is the unit behind it, 0 at the end of the text.
 template <class Escape>
 void writeUTF8(Output& output, NSString* text, const SpecialASCII& special, Escape escape);
 
@@ -97,7 +97,8 @@ void writeUnits(Output& output, std::span<const char> units, const SpecialASCII&
     const auto unit = static_cast<unsigned char>(units[i]);
     if (!special.contains(unit)) continue;
     output.write({units.data() + run, i - run});
-    escape(static_cast<char16_t>(unit));
+    const bool isLast = i + 1 == units.size();
+    escape(static_cast<char16_t>(unit), isLast ? u'\0' : static_cast<char16_t>(units[i + 1]));
     run = i + 1;
   }
   output.write({units.data() + run, units.size() - run});
@@ -117,7 +118,7 @@ void writeUnits(Output& output, std::span<const char16_t> units, const SpecialAS
       chunk.append(0x10000 + ((unit & char32_t{0x3FF}) << 10) + (units[++i] & char32_t{0x3FF}));
     } else if (isSurrogate || (unit < 0x80 ? special.contains(unit) : isUnsafeUnit(unit))) {
       chunk.flush();
-      escape(unit);
+      escape(unit, i + 1 < units.size() ? units[i + 1] : u'\0');
     } else {
       chunk.append(unit);
     }

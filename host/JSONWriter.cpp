@@ -54,7 +54,7 @@ void JSONWriter::token(std::string_view text) {
 
 void JSONWriter::quoted(NSString* text) {
   _output.write('"');
-  writeUTF8(_output, text, kSpecialInJSON, [this](char16_t unit) {
+  writeUTF8(_output, text, kSpecialInJSON, [this](char16_t unit, char16_t) {
     if (unit == '"' || unit == '\\') {
       const char escape[] = {'\\', static_cast<char>(unit)};
       _output.write({escape, sizeof escape});

@@ -52,6 +52,16 @@ TEST(AttributeText, FurtherLinesBeginInTheColumnOfTheText) {
             "        \"\n");
 }
 
+TEST(AttributeText, ALineBreakOfTwoCharactersIsOne) {
+  EXPECT_EQ(shown({{"n"_ns, "a\r\nb\rc\r\r\nd\r"_ns}}),
+            "n = \"a\n"
+            "     b\\rc\\r\n"
+            "     d\\r\"\n");
+  EXPECT_EQ(shown({{"n"_ns, "ä\r\nb\r"_ns}}),
+            "n = \"ä\n"
+            "     b\\r\"\n");
+}
+
 TEST(AttributeText, ArraysHaveOneElementALine) {
   auto list = NSArray::arrayWithObjects({"a"_ns, NSNumber::numberWithInteger(2), "b\nc"_ns});
   EXPECT_EQ(shown({{"name"_ns, list}}),
@@ -84,8 +94,8 @@ TEST(AttributeText, QuotesAndBackslashesAreEscaped) {
 }
 
 TEST(AttributeText, NoValueAndNoNameCanDriveTheTerminal) {
-  EXPECT_EQ(shown({{"n\n\x1B"_ns, "\x1B]0;x\x07\r\n\u202E\u009B"_ns}}),
-            "n\\n\\u001b = \"\\u001b]0;x\\u0007\\r\n"
+  EXPECT_EQ(shown({{"n\n\x1B"_ns, "\x1B]0;x\x07\r\t\n\u202E\u009B"_ns}}),
+            "n\\n\\u001b = \"\\u001b]0;x\\u0007\\r\\t\n"
             "             \\u202e\\u009b\"\n");
 }
 

@@ -15,8 +15,8 @@ std::unique_ptr<ImporterBundle> ImporterBundle::load(NSURL* bundle, std::string*
 }
 
 bool ImporterBundle::makeInstance() {
-  auto factories = adoptCF(CFPlugInFindFactoriesForPlugInTypeInPlugIn(
-      kMDImporterTypeID, toCF(static_cast<PlugIn*>(_plugIn.get()))));
+  auto factories =
+      adoptCF(CFPlugInFindFactoriesForPlugInTypeInPlugIn(kMDImporterTypeID, toCF(_plugIn.get())));
   if (!factories) return false;
   for (const auto& factory : *factories)
     if (useFactory(factory)) return true;

@@ -7,6 +7,7 @@
 #include "platform/files/NSURL.h"
 #include "platform/objects/NSDictionary.h"
 #include "platform/plugins/MDImporter.h"
+#include "platform/plugins/PlugIn.h"
 
 namespace kbx {
 
@@ -39,7 +40,7 @@ class ImporterBundle {
   template <class Interface>
   static Owned<Interface> query(IUnknownVTbl** instance, CFUUIDRef identifier);
 
-  Ref<NSObject> _plugIn;  // held longer than the instances
+  Ref<PlugIn> _plugIn;  // held longer than the instances
   Owned<MDImporterURLInterfaceStruct> _urlInterface;
   Owned<MDImporterInterfaceStruct> _legacyInterface;  // only without the other one
 };

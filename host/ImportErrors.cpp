@@ -87,6 +87,13 @@ bool tellsOfNoError(NSString* line) {
   return line->hasPrefix("FerncaseSpotlightImporter error (null) for file "_ns);
 }
 
+/// The last line that tells something; an absent error tells nothing.
+NSString* mostTelling(const ImportLog::Lines& lines) {
+  for (auto line = lines.rbegin(); line != lines.rend(); ++line)
+    if ((*line)->rangeOfString("(null)"_ns).length == 0) return *line;
+  return lines.back();
+}
+
 }  // namespace
 
 Ref<NSError> importError(const ImportLog::Lines& lines, std::string_view mailImporterReason) {
@@ -96,7 +103,7 @@ Ref<NSError> importError(const ImportLog::Lines& lines, std::string_view mailImp
       std::ranges::any_of(lines, [](const auto& line) { return tellsOfNoError(line); });
   if (isUnexplained && !mailImporterReason.empty())
     return ferncaseError(FerncaseImportFailedError, mailImporterReason);
-  if (!lines.empty()) return ferncaseError(FerncaseImportFailedError, lines.back());
+  if (!lines.empty()) return ferncaseError(FerncaseImportFailedError, mostTelling(lines));
   return ferncaseError(FerncaseImportFailedError, "The importer gave no attributes.");
 }
 

@@ -77,6 +77,13 @@ TEST(ImportErrors, WithoutALoggedErrorTheLastLineIsWhatIsKnown) {
             "FerncaseErrorDomain 1 FerncaseSpotlightImporter exception: Precondition Failed: url");
 }
 
+TEST(ImportErrors, AnAbsentErrorTellsNothing) {
+  EXPECT_EQ(told({"KBXEMLXFile: Exception generating metadata: odd",
+                  "KBXEMLXFile: Error indexing: (null)",
+                  "FerncaseSpotlightImporter error (null) for file /a"}),
+            "FerncaseErrorDomain 1 KBXEMLXFile: Exception generating metadata: odd");
+}
+
 TEST(ImportErrors, WithoutALineThereAreNoAttributesAndNoReason) {
   EXPECT_EQ(told({}), "FerncaseErrorDomain 1 The importer gave no attributes.");
 }

@@ -1,0 +1,123 @@
+// Raw import of a message through the driver, beside what no import can do without: reading the
+// file and checking that it is UTF-8, the check by simdjson. Text that is not ASCII is kept as
+// UTF-16, so it is also beside the same with ICU's conversion.
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <simdjson.h>
+#include <sys/stat.h>
+#include <unicode/ustring.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <memory>
+#include <random>
+#include <string>
+#include <string_view>
+
+#include "KBXEMLXFile.h"
+#include "platform/files/NSURL.h"
+#include "platform/objects/NSDictionary.h"
+#include "platform/objects/NSString.h"
+#include "platform/plugins/Bridge.h"
+#include "platform/plugins/MDImporter.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace kbx {
+namespace {
+
+constexpr std::size_t kSize = 10'000'000;
+
+/// A message of lines made of the words in an order without a pattern.
+std::string message(std::initializer_list<std::string_view> words) {
+  std::mt19937 random(1);
+  std::string text = "From: a@example.org\r\nSubject: Benchmark\r\n\r\n";
+  for (std::size_t line = 0; text.size() < kSize;) {
+    const std::string_view word = *(words.begin() + random() % words.size());
+    text.append(word);
+    line += word.size() + 1;
+    text += line > 70 ? "\r\n" : " ";
+    if (line > 70) line = 0;
+  }
+  return text;
+}
+
+std::string asciiMessage() {
+  return message({"the", "message", "attribute", "of", "index", "a", "document", "(see", "below)",
+                  "organiser,", "which", "finds", "and", "1843", "http://example.org/x?y=z"});
+}
+
+std::string mixedMessage() {
+  return message({"the", "Straße", "zażółć", "gęślą", "日本語の文章", "письмо", "attribute",
+                  "index", "naïve", "😀", "Ελληνικά", "and", "of", "a", "“quoted”"});
+}
+
+struct MessageFile {
+  explicit MessageFile(const std::string& bytes) : url(folder.write("message.eml", bytes)) {}
+  TemporaryFolder folder;
+  Ref<NSURL> url;
+};
+
+using Bytes = std::unique_ptr<char, decltype(&std::free)>;
+
+/// The bytes of the file, when they are UTF-8.
+Bytes readAndValidate(const char* path, std::size_t* length) {
+  const int descriptor = ::open(path, O_RDONLY | O_CLOEXEC);
+  struct stat status {};
+  ::fstat(descriptor, &status);
+  const auto size = static_cast<std::size_t>(status.st_size);
+  Bytes bytes(static_cast<char*>(std::malloc(size)), &std::free);
+  for (*length = 0; *length < size;)
+    *length += static_cast<std::size_t>(::read(descriptor, bytes.get() + *length, size - *length));
+  ::close(descriptor);
+  if (!simdjson::validate_utf8(bytes.get(), size)) bytes.reset();
+  return bytes;
+}
+
+void checkSameAnswer(const MessageFile& file) {
+  std::size_t length = 0;
+  const Bytes bytes = readAndValidate(file.url->fileSystemRepresentation().c_str(), &length);
+  auto attributes = KBXEMLXFile::metadataForEMLURL(file.url, false, nullptr);
+  auto* text = cast<NSString>(attributes->objectForKey(fromCF(kMDItemTextContent)));
+  if (!bytes || !text || text->UTF8String() != std::string(bytes.get(), length)) std::abort();
+}
+
+void import(benchmark::State& state, const std::string& bytes) {
+  const MessageFile file(bytes);
+  checkSameAnswer(file);
+  for (auto _ : state)
+    benchmark::DoNotOptimize(KBXEMLXFile::metadataForEMLURL(file.url, false, nullptr));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes.size()));
+}
+
+void baseline(benchmark::State& state, const std::string& bytes) {
+  const MessageFile file(bytes);
+  std::size_t length = 0;
+  for (auto _ : state)
+    benchmark::DoNotOptimize(
+        readAndValidate(file.url->fileSystemRepresentation().c_str(), &length));
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes.size()));
+}
+
+void baselineUTF16(benchmark::State& state, const std::string& bytes) {
+  const MessageFile file(bytes);
+  std::size_t length = 0;
+  for (auto _ : state) {
+    const Bytes read = readAndValidate(file.url->fileSystemRepresentation().c_str(), &length);
+    std::u16string units(length, u'\0');
+    std::int32_t count = 0;
+    UErrorCode failure = U_ZERO_ERROR;
+    u_strFromUTF8(units.data(), static_cast<std::int32_t>(length), &count, read.get(),
+                  static_cast<std::int32_t>(length), &failure);
+    benchmark::DoNotOptimize(units);
+  }
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes.size()));
+}
+
+BENCHMARK_CAPTURE(import, ascii, asciiMessage());
+BENCHMARK_CAPTURE(baseline, ascii, asciiMessage());
+BENCHMARK_CAPTURE(import, mixed, mixedMessage());
+BENCHMARK_CAPTURE(baseline, mixed, mixedMessage());
+BENCHMARK_CAPTURE(baselineUTF16, mixed, mixedMessage());
+
+}  // namespace
+}  // namespace kbx

@@ -14,6 +14,7 @@ namespace kbx {
 
 class NSArray;
 class NSData;
+enum NSStringEncoding : std::uint64_t;
 
 enum NSComparisonResult : std::int8_t {
   NSOrderedAscending = -1,
@@ -99,6 +100,25 @@ class KBX_PLATFORM NSString : public NSObject {
   /// The leading decimal number, after leading blanks and an optional sign; 0 without one, infinity
   /// where it is too large. (doubleValue)
   double doubleValue() const;
+
+  // ---- Encodings (platform/text/StringEncoding.h) ----
+
+  /// The text of bytes in an encoding; absent for absent or malformed bytes and for an encoding
+  /// that is not known here. (initWithData:encoding:)
+  ///
+  /// UTF-16 and UTF-32 without a fixed order take it from a byte-order mark, which is not part of
+  /// the text, and are in this machine's order without one. Lone surrogates are malformed
+  /// everywhere but in UTF-16. In UTF-8 ASCII text shares the buffer.
+  static Ref<NSString> initWithData(NSData* data, NSStringEncoding encoding);
+
+  /// The bytes of the text in an encoding. (dataUsingEncoding:allowLossyConversion:)
+  ///
+  /// allowLossyConversion  a character without a form there becomes its plain ASCII letter or "?"
+  ///                       (U+FFFD in the Unicode forms); without it such text gives an absent
+  ///                       result
+  ///
+  /// Absent as well for an encoding that is not known here.
+  Ref<NSData> dataUsingEncoding(NSStringEncoding encoding, bool allowLossyConversion = false) const;
 
   Ref<NSString> description() const override;
   bool isEqual(NSObject* other) const override;

@@ -1,4 +1,4 @@
-// String encodings: their numbers, their names, and text from bytes.
+// String encodings: their numbers, their names, and text from bytes of a named charset.
 #pragma once
 
 #include <cstdint>
@@ -9,12 +9,16 @@
 
 namespace kbx {
 
-/// The platform's numbers of encodings. Charsets beyond these have no number here: 0.
+/// The platform's numbers of encodings. The charsets beyond these have numbers as well, made of the
+/// bit kExternalEncoding and their number in the older registry; a charset that nobody here knows
+/// has 0.
 enum NSStringEncoding : std::uint64_t {
   NSUnknownStringEncoding = 0,
   NSASCIIStringEncoding = 1,
+  NSJapaneseEUCStringEncoding = 3,
   NSUTF8StringEncoding = 4,
   NSISOLatin1StringEncoding = 5,
+  NSNonLossyASCIIStringEncoding = 7,
   NSShiftJISStringEncoding = 8,
   NSISOLatin2StringEncoding = 9,
   NSUnicodeStringEncoding = 10,
@@ -24,17 +28,22 @@ enum NSStringEncoding : std::uint64_t {
   NSWindowsCP1254StringEncoding = 14,
   NSWindowsCP1250StringEncoding = 15,
   NSISO2022JPStringEncoding = 21,
+  NSMacOSRomanStringEncoding = 30,
+  NSUTF32StringEncoding = 0x8c000100,
   NSUTF16BigEndianStringEncoding = 0x90000100,
   NSUTF16LittleEndianStringEncoding = 0x94000100,
   NSUTF32BigEndianStringEncoding = 0x98000100,
   NSUTF32LittleEndianStringEncoding = 0x9c000100,
 };
 
+inline constexpr std::uint64_t kExternalEncoding = 0x80000000;
+
 /// The text of bytes in a charset of the IANA registry, where each malformed sequence becomes
 /// U+FFFD. Absent when nobody knows the charset. A byte-order mark stays in the text.
 KBX_PLATFORM Ref<NSString> stringWithCharset(std::string_view bytes, const char* charset);
 
-/// The number of a charset, or 0.
+/// The number of a charset by one of its names in the IANA registry or a customary one, in any
+/// case; 0 when nobody knows it.
 KBX_PLATFORM NSStringEncoding encodingOfCharset(std::string_view charset);
 
 }  // namespace kbx

@@ -101,6 +101,16 @@ class KBX_PLATFORM NSString : public NSObject {
   /// where it is too large. (doubleValue)
   double doubleValue() const;
 
+  // ---- Composed characters ----
+
+  /// The place of the composed character sequence that holds the unit at `index`; raises
+  /// NSRangeException when index >= length(). A sequence is a grapheme cluster; a carriage return
+  /// and a line feed are two. (rangeOfComposedCharacterSequenceAtIndex:)
+  NSRange rangeOfComposedCharacterSequenceAtIndex(std::size_t index) const;
+  /// The text in Unicode's form D: composed characters taken apart, marks in their canonical
+  /// order. (decomposedStringWithCanonicalMapping)
+  Ref<NSString> decomposedStringWithCanonicalMapping() const;
+
   // ---- Encodings (platform/text/StringEncoding.h) ----
 
   /// The text of bytes in an encoding; absent for absent or malformed bytes and for an encoding

@@ -14,6 +14,7 @@ namespace kbx {
 
 class NSArray;
 class NSData;
+enum NSStringCompareOptions : std::uint64_t;
 enum NSStringEncoding : std::uint64_t;
 
 enum NSComparisonResult : std::int8_t {
@@ -100,6 +101,22 @@ class KBX_PLATFORM NSString : public NSObject {
   /// The leading decimal number, after leading blanks and an optional sign; 0 without one, infinity
   /// where it is too large. (doubleValue)
   double doubleValue() const;
+
+  // ---- Comparing with options (platform/text/CompareOptions.h) ----
+
+  /// The first place of the text; not found for an absent or empty one. (rangeOfString:options:)
+  ///
+  /// Texts are the same when their canonical decompositions are, as far as the options say: case
+  /// by Unicode's full folding, marks by leaving them out, widths by the common form. What is
+  /// found never ends between a character and its marks. Numeric and localized do not count.
+  NSRange rangeOfString(NSString* text, NSStringCompareOptions options) const;
+  /// Order by what the options say; an absent argument comes first. (compare:options:)
+  ///
+  /// With kCFCompareLocalized the order of the user's language (DisplayOrder), else that of the
+  /// code units of what rangeOfString compares; numeric counts in the former only.
+  NSComparisonResult compare(NSString* other, NSStringCompareOptions options) const;
+  /// compare() with NSCaseInsensitiveSearch. (caseInsensitiveCompare:)
+  NSComparisonResult caseInsensitiveCompare(NSString* other) const;
 
   // ---- Composed characters ----
 

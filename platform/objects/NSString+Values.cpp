@@ -76,9 +76,7 @@ std::int32_t NSString::intValue() const {
 
 bool NSString::boolValue() const {
   return visitUnits([](auto units) {
-    std::size_t i = skipBlanks(units);
-    if (i < units.size() && (units[i] == '-' || units[i] == '+')) ++i;
-    while (i < units.size() && units[i] == '0') ++i;
+    const std::size_t i = skipBlanks(units);
     if (i == units.size()) return false;
     auto unit = static_cast<char16_t>(units[i]);
     return unit == 'Y' || unit == 'y' || unit == 'T' || unit == 't' || (unit >= '1' && unit <= '9');

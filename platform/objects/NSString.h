@@ -95,8 +95,8 @@ class KBX_PLATFORM NSString : public NSObject {
   /// limit where the number is out of range. (integerValue, intValue)
   std::int64_t integerValue() const;
   std::int32_t intValue() const;
-  /// True when the text begins with Y, y, T, t or a digit 1 to 9, after leading blanks, an optional
-  /// sign and zeros. (boolValue)
+  /// True when the text begins, after leading blanks, with Y, y, T, t or a digit 1 to 9; so neither
+  /// a sign nor a zero may stand in front. (boolValue)
   bool boolValue() const;
   /// The leading decimal number, after leading blanks and an optional sign; 0 without one, infinity
   /// where it is too large. (doubleValue)

@@ -57,7 +57,8 @@ TEST(NSCharacterSet, TheInvertedSetHoldsTheRest) {
 }
 
 TEST(NSCharacterSet, TheBitmapHasOneBitForEachCodePointOfTheBasicPlane) {
-  auto bitmap = NSCharacterSet::characterSetWithCharactersInString(string("\x01Aé日😀"))
+  auto bitmap = NSCharacterSet::characterSetWithCharactersInString(string("\x01"
+                                                                          "Aé日😀"))
                     ->bitmapRepresentation();
   ASSERT_EQ(bitmap->length(), 8192u);
   std::size_t bits = 0;

@@ -67,9 +67,9 @@ TEST(NSStringValues, TruthIsToldByTheFirstLetterOrDigit) {
   for (auto [word, value] :
        {Case{"", false}, {"YES", true},  {"yes", true},   {"Yonder", true}, {"true", true},
         {"T", true},     {"1", true},    {"9x", true},    {"NO", false},    {"false", false},
-        {"0", false},    {"on", false},  {"  YES", true}, {"\n1", true},    {"01", true},
-        {"000", false},  {"+1", true},   {"-1", true},    {"-0", false},    {"-Y", true},
-        {"+-1", false},  {"0.5", false}, {"00Y", true}}) {
+        {"0", false},    {"on", false},  {"  YES", true}, {"\n1", true},    {"01", false},
+        {"000", false},  {"+1", false},  {"-1", false},   {"-0", false},    {"-Y", false},
+        {"+-1", false},  {"0.5", false}, {"00Y", false}}) {
     SCOPED_TRACE(word);
     EXPECT_EQ(string(word)->boolValue(), value);
     EXPECT_EQ(widened(word)->boolValue(), value);

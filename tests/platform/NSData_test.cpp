@@ -83,9 +83,8 @@ TEST(NSData, LongBuffersShowTheirEnds) {
   const Case cases[] = {
       {"abc", "{length = 3, bytes = 0x616263}"},
       {std::string(24, '\xFF'), "{length = 24, bytes = 0x" + std::string(48, 'f') + "}"},
-      {std::string(24, 'a') + "b", "{length = 25, bytes = 0x" +
-                                       std::string("61616161616161616161616161616161") +
-                                       " ... 6161616161616162}"}};
+      {std::string(24, 'a') + "b",
+       "{length = 25, bytes = 0x61616161616161616161616161616161 ... 6161616161616162}"}};
   for (const auto& [bytes, printed] : cases) EXPECT_EQ(text(data(bytes)->description()), printed);
 }
 

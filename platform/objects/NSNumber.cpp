@@ -39,16 +39,6 @@ std::optional<Whole> whole(const NSNumber& number) {
 }  // namespace
 KBX_ADOPTS(NSNumber, NSCoding)
 
-namespace {
-
-// Numbers and texts are asked for plain values without a look at their class.
-[[maybe_unused]] const bool answersValues =
-    addMethod<&NSNumber::boolValue>(NSNumber::classObject(), "boolValue") &&
-    addMethod<&NSNumber::integerValue>(NSNumber::classObject(), "integerValue") &&
-    addMethod<&NSNumber::doubleValue>(NSNumber::classObject(), "doubleValue");
-
-}  // namespace
-
 Ref<NSNumber> NSNumber::numberWithBool(bool value) {
   static auto* const yes = new NSNumber(Kind::Boolean, {.integer = 1});
   static auto* const no = new NSNumber(Kind::Boolean, {.integer = 0});
@@ -112,7 +102,8 @@ bool NSNumber::isEqual(NSObject* other) const {
   if (!number) return false;
   const auto mine = whole(*this), theirs = whole(*number);
   // A comparison of doubles would take neighbours for the same where they have not enough bits.
-  return mine && theirs ? mine == theirs : doubleValue() == number->doubleValue();
+  if (mine || theirs) return mine == theirs;
+  return doubleValue() == number->doubleValue();
 }
 
 std::size_t NSNumber::hash() const {

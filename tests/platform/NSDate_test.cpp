@@ -32,8 +32,8 @@ TEST(NSDate, TheDescriptionIsInUTCAndWholeSeconds) {
                                   {-978307201, "1969-12-31 23:59:59 +0000"},
                                   {97200 + 86400.0 * 58, "2001-03-01 03:00:00 +0000"},
                                   {252460800 - 1, "2008-12-31 23:59:59 +0000"},
-                                  {252423993600, "9999-12-31 00:00:00 +0000"},
-                                  {-63114076800, "0001-01-01 00:00:00 +0000"}}) {
+                                  {252423907200, "9999-12-31 00:00:00 +0000"},
+                                  {-63113904000, "0001-01-01 00:00:00 +0000"}}) {
     SCOPED_TRACE(printed);
     EXPECT_EQ(text(date(seconds)), printed);
   }
@@ -43,7 +43,7 @@ TEST(NSDate, WhatHasNoYearOfItsOwnPrintsItsSeconds) {
   EXPECT_EQ(text(date(1e300)), "1e+300");
   EXPECT_EQ(text(date(-std::numeric_limits<double>::infinity())), "-inf");
   EXPECT_EQ(text(date(std::nan(""))), "nan");
-  EXPECT_EQ(text(date(86400.0 * 366 * 10000)), "316224000000");
+  EXPECT_EQ(text(date(86400.0 * 366 * 10000)), "3.16224e+11");
 }
 
 TEST(NSDate, DatesAreEqualWhenTheirSecondsAre) {

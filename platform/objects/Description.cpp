@@ -11,6 +11,9 @@ namespace kbx {
 namespace {
 
 constexpr unsigned kDeepest = 512;
+constexpr std::size_t kLongest = std::size_t{1} << 24;
+
+thread_local constinit unsigned openLevels = 0;
 
 bool isPlain(char16_t unit) {
   return (unit >= 'a' && unit <= 'z') || (unit >= 'A' && unit <= 'Z') ||
@@ -40,48 +43,60 @@ void appendQuoted(StringBuilder& text, NSString* value) {
   text.append("\"");
 }
 
-void appendIndent(StringBuilder& text, unsigned level) {
-  text.append(std::string(std::size_t{4} * level, ' '));
+void appendIndent(StringBuilder& text, unsigned indent) {
+  text.append(std::string(std::size_t{4} * indent, ' '));
 }
 
-void appendArray(StringBuilder& text, NSArray* array, unsigned level) {
+/// Whether enough is printed. Says so in the text.
+bool endsHere(StringBuilder& text) {
+  if (text.length() < kLongest) return false;
+  text.append("...");
+  return true;
+}
+
+void appendArray(StringBuilder& text, NSArray* array, unsigned indent) {
   text.append("(");
   bool isFirst = true;
   for (const auto& element : *array) {
     text.append(isFirst ? "\n" : ",\n");
-    appendIndent(text, level + 1);
-    appendNested(text, element, level + 1);
+    appendIndent(text, indent + 1);
+    if (endsHere(text)) break;
+    appendNested(text, element, indent + 1);
     isFirst = false;
   }
   text.append("\n");
-  appendIndent(text, level);
+  appendIndent(text, indent);
   text.append(")");
 }
 
-void appendDictionary(StringBuilder& text, NSDictionary* dictionary, unsigned level) {
+void appendDictionary(StringBuilder& text, NSDictionary* dictionary, unsigned indent) {
   text.append("{\n");
   for (const auto& [key, value] : *dictionary) {
-    appendIndent(text, level + 1);
-    appendNested(text, key, level + 1);
+    appendIndent(text, indent + 1);
+    if (endsHere(text)) break;
+    appendNested(text, key, indent + 1);
     text.append(" = ");
-    appendNested(text, value, level + 1);
+    appendNested(text, value, indent + 1);
     text.append(";\n");
   }
-  appendIndent(text, level);
+  appendIndent(text, indent);
   text.append("}");
 }
 
 }  // namespace
 
-void appendNested(StringBuilder& text, NSObject* value, unsigned level) {
-  auto* array = cast<NSArray>(value);
-  auto* dictionary = cast<NSDictionary>(value);
-  if ((array || dictionary) && level > kDeepest) {
+DescriptionLevel::DescriptionLevel() noexcept { ++openLevels; }
+DescriptionLevel::~DescriptionLevel() { --openLevels; }
+bool DescriptionLevel::isTooDeep() const noexcept { return openLevels > kDeepest; }
+
+void appendNested(StringBuilder& text, NSObject* value, unsigned indent) {
+  const DescriptionLevel level;
+  if (level.isTooDeep()) {
     text.append("...");
-  } else if (array) {
-    appendArray(text, array, level);
-  } else if (dictionary) {
-    appendDictionary(text, dictionary, level);
+  } else if (auto* array = cast<NSArray>(value)) {
+    appendArray(text, array, indent);
+  } else if (auto* dictionary = cast<NSDictionary>(value)) {
+    appendDictionary(text, dictionary, indent);
   } else {
     Ref<NSString> description = descriptionOf(value);
     if (needsQuotes(description))
@@ -89,6 +104,15 @@ void appendNested(StringBuilder& text, NSObject* value, unsigned level) {
     else
       text.append(description);
   }
+}
+
+Ref<NSString> descriptionOf(NSObject* object) {
+  if (!object) return "(null)"_ns;
+  if (auto* string = cast<NSString>(object)) return string;
+  const DescriptionLevel level;
+  if (level.isTooDeep()) return "..."_ns;
+  Ref<NSString> description = object->description();
+  return description ? description : Ref<NSString>("(null)"_ns);
 }
 
 }  // namespace kbx

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 #include "platform/objects/Description.h"
+#include "platform/objects/Equality.h"
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSException.h"
 #include "platform/text/Format.h"
@@ -61,9 +63,7 @@ Ref<NSString> NSArray::description() const {
 }
 
 bool NSArray::isEqual(NSObject* other) const {
-  auto* array = cast<NSArray>(other);
-  return array && std::ranges::equal(_elements, array->_elements,
-                                     [](auto& a, auto& b) { return kbx::isEqual(a, b); });
+  return areEqualContainers(const_cast<NSArray*>(this), other);
 }
 
 std::size_t NSArray::hash() const { return _elements.size(); }
@@ -83,8 +83,10 @@ void NSMutableArray::addObjectsFromArray(NSArray* other) {
   _elements.insert(_elements.end(), added.begin(), added.end());
 }
 
+void NSMutableArray::removeAllObjects() { const Elements removed = std::exchange(_elements, {}); }
+
 void NSMutableArray::removeObjectAtIndex(std::size_t index) {
-  objectAtIndex(index);
+  const Ref<NSObject> removed = objectAtIndex(index);  // dies when the array is whole again
   _elements.erase(_elements.begin() + static_cast<std::ptrdiff_t>(index));
 }
 

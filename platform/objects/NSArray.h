@@ -54,9 +54,11 @@ class KBX_PLATFORM NSMutableArray : public NSArray {
 
   /// Raises NSInvalidArgumentException when the object is absent. (addObject:)
   void addObject(NSObject* object);
+  /// An absent array adds nothing; the array itself may be added. (addObjectsFromArray:)
   void addObjectsFromArray(NSArray* other);
+  /// Raises NSRangeException when index >= count(). (removeObjectAtIndex:)
   void removeObjectAtIndex(std::size_t index);
-  void removeAllObjects() { _elements.clear(); }
+  void removeAllObjects();
 
   Ref<NSObject> copyObject() override;
 

@@ -4,6 +4,7 @@
 #include <bit>
 
 #include "platform/objects/Description.h"
+#include "platform/objects/Equality.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSException.h"
@@ -48,14 +49,21 @@ std::size_t NSDictionary::findHashed(NSObject* key, std::size_t hash) const {
     return kAbsent;
   }
   const std::size_t mask = _slots.size() - 1;
-  for (std::size_t slot = hash & mask; _slots[slot]; slot = (slot + 1) & mask)
+  for (std::size_t slot = slotOf(hash); _slots[slot]; slot = (slot + 1) & mask)
     if (isAt(_slots[slot] - 1)) return _slots[slot] - 1;
   return kAbsent;
 }
 
+/// Where the search for a hash begins. The upper bits of a product depend on every bit of the hash;
+/// the lower bits of numbers and addresses are often all the same.
+std::size_t NSDictionary::slotOf(std::size_t hash) const noexcept {
+  const std::uint64_t product = std::uint64_t{hash} * 0x9E3779B97F4A7C15;
+  return product >> std::countl_zero(std::uint64_t{_slots.size() - 1});
+}
+
 void NSDictionary::index(std::size_t position) {
   const std::size_t mask = _slots.size() - 1;
-  std::size_t slot = _hashes[position] & mask;
+  std::size_t slot = slotOf(_hashes[position]);
   while (_slots[slot]) slot = (slot + 1) & mask;
   _slots[slot] = static_cast<std::uint32_t>(position + 1);
 }
@@ -84,6 +92,8 @@ void NSDictionary::set(NSObject* key, NSObject* value) {
 void NSDictionary::remove(NSObject* key) {
   const std::size_t at = find(key);
   if (at == kAbsent) return;
+  // What is removed dies last: its destructor may ask this dictionary for something.
+  const Entry removed = std::move(_entries[at]);
   // Keeps the order of the others; few dictionaries lose keys, so this may cost a pass.
   _entries.erase(_entries.begin() + static_cast<std::ptrdiff_t>(at));
   _hashes.erase(_hashes.begin() + static_cast<std::ptrdiff_t>(at));
@@ -128,11 +138,7 @@ Ref<NSString> NSDictionary::description() const {
 }
 
 bool NSDictionary::isEqual(NSObject* other) const {
-  auto* dictionary = cast<NSDictionary>(other);
-  if (!dictionary || dictionary->count() != count()) return false;
-  return std::ranges::all_of(_entries, [=](auto& entry) {
-    return kbx::isEqual(entry.value, dictionary->objectForKey(entry.key));
-  });
+  return areEqualContainers(const_cast<NSDictionary*>(this), other);
 }
 
 std::size_t NSDictionary::hash() const { return _entries.size(); }
@@ -151,7 +157,10 @@ void NSMutableDictionary::setObjectForKey(NSObject* value, NSObject* key) {
 
 void NSMutableDictionary::removeObjectForKey(NSObject* key) { remove(key); }
 
-void NSMutableDictionary::removeAllObjects() { assign(*NSDictionary::dictionary()); }
+void NSMutableDictionary::removeAllObjects() {
+  const Ref<NSDictionary> removed = immutableCopy();
+  assign(*NSDictionary::dictionary());
+}
 
 void NSMutableDictionary::addEntriesFromDictionary(NSDictionary* other) {
   if (!other || other == this) return;

@@ -62,6 +62,7 @@ class KBX_PLATFORM NSDictionary : public NSObject {
   static constexpr std::size_t kAbsent = SIZE_MAX;
   std::size_t find(NSObject* key) const;
   std::size_t findHashed(NSObject* key, std::size_t hash) const;
+  std::size_t slotOf(std::size_t hash) const noexcept;
   void index(std::size_t position);
   void rebuildIndex();
 

@@ -1,5 +1,6 @@
 #include "platform/objects/NSError.h"
 
+#include "platform/objects/Equality.h"
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSException.h"
 #include "platform/system/SystemMessages.h"
@@ -52,7 +53,7 @@ bool isFileCode(std::int64_t code) { return code == 4 || (code >= 256 && code < 
 /// The reason of an error without one of its own; absent where nothing is known of the code.
 Ref<NSString> knownReason(const NSError& error) {
   if (isEqual(error.domain(), NSPOSIXErrorDomain()))
-    return NSString::stringWithUTF8(systemMessage(static_cast<int>(error.code())));
+    return NSString::stringWithLossyUTF8(systemMessage(error.code()));
   const FileFailure* failure = fileFailure(error);
   return failure ? NSString::stringWithUTF8(failure->reason) : nullptr;
 }
@@ -119,9 +120,7 @@ Ref<NSString> NSError::description() const {
 }
 
 bool NSError::isEqual(NSObject* other) const {
-  auto* error = cast<NSError>(other);
-  return error && error->_code == _code && kbx::isEqual(error->_domain, _domain) &&
-         kbx::isEqual(error->_userInfo, _userInfo);
+  return areEqualContainers(const_cast<NSError*>(this), other);
 }
 
 std::size_t NSError::hash() const { return _domain->hash() ^ static_cast<std::size_t>(_code); }

@@ -1,6 +1,8 @@
 #include "platform/objects/NSObject.h"
 
 #include <cstdio>
+#include <utility>
+#include <vector>
 
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSString.h"
@@ -14,9 +16,36 @@ namespace {
 [[maybe_unused]] const bool answersItsKind =
     addMethod<&NSObject::isKindOfClass>(NSObject::classObject(), "isKindOfClass:");
 
+/// How many objects may die inside one another's destructors.
+constexpr unsigned kDeepest = 64;
+
+/// The objects that are dying on a thread. The list exists while somebody waits.
+struct Dying {
+  unsigned depth = 0;
+  std::vector<const NSObject*>* waiting = nullptr;
+};
+
 }  // namespace
 
 NSObject::~NSObject() = default;
+
+void NSObject::destroy() const noexcept {
+  thread_local constinit Dying dying;
+  if (dying.depth == kDeepest) {
+    if (!dying.waiting) dying.waiting = new std::vector<const NSObject*>;
+    return dying.waiting->push_back(this);
+  }
+  ++dying.depth;
+  delete this;
+  // Only the outermost destruction gets here with depth 1, and takes those that had to wait.
+  while (dying.depth == 1 && dying.waiting) {
+    const NSObject* next = dying.waiting->back();
+    dying.waiting->pop_back();
+    if (dying.waiting->empty()) delete std::exchange(dying.waiting, nullptr);
+    delete next;
+  }
+  --dying.depth;
+}
 
 NSClass* NSObject::classObject() {
   static NSClass* const object = NSClass::make("NSObject", nullptr);
@@ -41,7 +70,7 @@ bool NSObject::conformsToProtocol(std::string_view protocol) const {
 Ref<NSString> NSObject::description() const {
   char address[32];
   std::snprintf(address, sizeof address, "%p", static_cast<const void*>(this));
-  return NSString::stringWithUTF8("<" + objectClass()->name() + ": " + address + ">");
+  return NSString::stringWithLossyUTF8("<" + objectClass()->name() + ": " + address + ">");
 }
 
 }  // namespace kbx

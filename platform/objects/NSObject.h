@@ -17,6 +17,9 @@ class SEL;
 
 /// The root of every class. Objects live on the heap, start with one reference and die with the
 /// last one. The count is atomic; everything else is as safe as the subclass says.
+///
+/// What an object holds dies with it, mostly at once. From a certain depth on it dies a little
+/// later, before the outermost release() returns, so that a long chain does not exhaust the stack.
 class KBX_PLATFORM NSObject {
  public:
   NSObject(const NSObject&) = delete;
@@ -24,7 +27,7 @@ class KBX_PLATFORM NSObject {
 
   void retain() const noexcept { _references.fetch_add(1, std::memory_order_relaxed); }
   void release() const noexcept {
-    if (_references.fetch_sub(1, std::memory_order_acq_rel) == 1) delete this;
+    if (_references.fetch_sub(1, std::memory_order_acq_rel) == 1) destroy();
   }
   /// Retains unless the last reference has gone. For tables that know objects without owning
   /// them: the destructor waits for the table's lock, so what is found there can be asked.
@@ -68,6 +71,8 @@ class KBX_PLATFORM NSObject {
   virtual ~NSObject();
 
  private:
+  void destroy() const noexcept;
+
   mutable std::atomic<std::uint32_t> _references{1};
 };
 

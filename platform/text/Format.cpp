@@ -148,8 +148,4 @@ Ref<NSString> stringWithFormatArguments(NSString* format, FormatArguments argume
   return out.take();
 }
 
-Ref<NSString> descriptionOf(NSObject* object) {
-  return object ? object->description() : Ref<NSString>("(null)"_ns);
-}
-
 }  // namespace kbx

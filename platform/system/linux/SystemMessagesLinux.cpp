@@ -4,8 +4,9 @@
 
 namespace kbx {
 
-std::string systemMessage(int number) {
-  const char* text = strerrordesc_np(number);
+std::string systemMessage(std::int64_t number) {
+  const bool isInRange = number == static_cast<int>(number);
+  const char* text = isInRange ? strerrordesc_np(static_cast<int>(number)) : nullptr;
   return text ? text : "Unknown error: " + std::to_string(number);
 }
 

@@ -25,6 +25,12 @@ std::unordered_map<std::string_view, NSClass*>& classesByName() {
   return *classes;
 }
 
+/// The body at this moment: another thread may be exchanging it.
+IMP implementationOf(const Method& method) {
+  std::lock_guard lock(runtimeLock());
+  return method.implementation;
+}
+
 ffi_type* ffiType(char encoding) {
   switch (encoding) {
     case 'v':
@@ -80,7 +86,7 @@ NSClass* NSClass::named(std::string_view name) {
   return found == classesByName().end() ? nullptr : found->second;
 }
 
-Ref<NSString> NSClass::description() const { return NSString::stringWithUTF8(_name); }
+Ref<NSString> NSClass::description() const { return NSString::stringWithLossyUTF8(_name); }
 
 void NSClass::adoptProtocol(std::string_view protocol) {
   std::lock_guard lock(runtimeLock());
@@ -114,6 +120,7 @@ bool NSClass::addMethod(SEL selector, IMP implementation, std::string types) {
 }
 
 void NSClass::exchangeImplementations(Method* first, Method* second) {
+  if (!first || !second) return;
   std::lock_guard lock(runtimeLock());
   std::swap(first->implementation, second->implementation);
 }
@@ -126,6 +133,10 @@ std::vector<SEL> NSClass::directSelectors() {
 }
 
 void invoke(NSObject* self, const Method& method, void* result, std::span<void* const> arguments) {
+  constexpr std::size_t kBeforeArguments = 3;  // the result, self and the selector
+  if (method.types.size() != arguments.size() + kBeforeArguments)
+    raiseInvalidArgument(std::to_string(arguments.size()) + " arguments for the method " +
+                         method.selector.name() + " of the types " + method.types);
   SEL selector = method.selector;
   std::vector<void*> values{&self, &selector};
   values.insert(values.end(), arguments.begin(), arguments.end());
@@ -143,7 +154,7 @@ void invoke(NSObject* self, const Method& method, void* result, std::span<void* 
   if (ffi_prep_cif(&cif, FFI_DEFAULT_ABI, static_cast<unsigned>(types.size()),
                    ffiType(method.types[0]), types.data()) != FFI_OK)
     std::terminate();
-  ffi_call(&cif, method.implementation, &returned, values.data());
+  ffi_call(&cif, implementationOf(method), &returned, values.data());
 
   if (method.types[0] == '@') {
     auto object = Ref<NSObject>::adopt(returned.object);

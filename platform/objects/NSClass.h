@@ -1,6 +1,7 @@
 // NSClass: the object that stands for a class, with the method table behind dynamic calls.
 #pragma once
 
+#include <concepts>
 #include <memory>
 #include <span>
 #include <string>
@@ -27,7 +28,8 @@ class KBX_PLATFORM SEL {
   const char* _name = nullptr;
 };
 
-/// The body of a method, called as (NSObject* self, SEL selector, arguments...).
+/// The body of a method, called as (NSObject* self, SEL selector, arguments...). An object result
+/// comes with a reference that the caller takes over.
 using IMP = void (*)();
 
 struct Method {
@@ -67,6 +69,7 @@ class KBX_PLATFORM NSClass final : public NSObject {
   Method* instanceMethod(SEL selector);
   /// False, and no change, when this class itself already defines the selector.
   bool addMethod(SEL selector, IMP implementation, std::string types);
+  /// Nothing when one of them is absent. (method_exchangeImplementations)
   static void exchangeImplementations(Method* first, Method* second);
   /// The selectors that this class itself defines, in the order of their definition.
   std::vector<SEL> directSelectors();
@@ -93,18 +96,23 @@ inline NSClass* cast<NSClass>(NSObject* object) noexcept {
 /// arguments  the address of each argument after self and selector, as many as the types name
 /// result     where to store the result, or nullptr to drop it; an object result is stored into
 ///            the Ref<NSObject> found there
+///
+/// Raises NSInvalidArgumentException when there are more or fewer arguments than the types name.
 KBX_PLATFORM void invoke(NSObject* self, const Method& method, void* result,
                          std::span<void* const> arguments);
 
 /// The object that a dynamic call without arguments answers; absent when the receiver is absent.
 /// (performSelector:)
 ///
-/// Raises NSInvalidArgumentException when the receiver does not answer the selector. A method
-/// whose result is no object gives an absent result.
+/// Raises NSInvalidArgumentException when the receiver does not answer the selector, or when the
+/// method takes arguments. A method whose result is no object gives an absent result.
 KBX_PLATFORM Ref<NSObject> performSelector(NSObject* receiver, SEL selector);
 
-/// Enters a member function of a C++ class into a method table. Parameters may be numbers, bool
-/// (a BOOL, "c") and object pointers; results also Ref<T> and void.
+/// Enters a member function of a C++ class into a method table. False when the class itself already
+/// defines the selector.
+///
+/// Parameters and results may be integers and enumerations of 32 or 64 bits, double, bool (a BOOL,
+/// "c"), selectors and object pointers; results also Ref<T> and void.
 template <auto Member>
 bool addMethod(NSClass* target, const char* selector);
 
@@ -113,19 +121,38 @@ bool addMethod(NSClass* target, const char* selector);
 namespace detail {
 
 template <class T>
+concept ObjectPointer =
+    std::is_pointer_v<T> && std::derived_from<std::remove_cv_t<std::remove_pointer_t<T>>, NSObject>;
+template <class T>
+concept ObjectHandle = requires(T ref) {
+  ref.leak();
+};
+/// What a C call passes in a register of its own; smaller integers and float would be promoted.
+template <class T>
+concept WholeNumber = (std::integral<T> || std::is_enum_v<T>)&&(sizeof(T) == 4 || sizeof(T) == 8);
+
+template <class T>
 constexpr const char* encoding() {
-  if constexpr (std::is_void_v<T>)
+  if constexpr (std::is_void_v<T>) {
     return "v";
-  else if constexpr (std::is_same_v<T, bool>)
+  } else if constexpr (std::is_same_v<T, bool>) {
     return "c";
-  else if constexpr (std::is_pointer_v<T> || requires(T ref) { ref.leak(); })
+  } else if constexpr (ObjectPointer<T> || ObjectHandle<T>) {
     return "@";
-  else if constexpr (std::is_same_v<T, double>)
+  } else if constexpr (std::is_same_v<T, SEL>) {
+    return ":";
+  } else if constexpr (std::is_same_v<T, double>) {
     return "d";
-  else if constexpr (sizeof(T) == 8)
-    return std::is_signed_v<T> ? "q" : "Q";
-  else
-    return std::is_signed_v<T> ? "i" : "I";
+  } else {
+    static_assert(WholeNumber<T>, "a type that no dynamic call passes");
+    constexpr bool isSigned = [] {
+      if constexpr (std::is_enum_v<T>)
+        return std::is_signed_v<std::underlying_type_t<T>>;
+      else
+        return std::is_signed_v<T>;
+    }();
+    return sizeof(T) == 8 ? (isSigned ? "q" : "Q") : (isSigned ? "i" : "I");
+  }
 }
 
 /// What travels through the C call for a T: objects as NSObject*, bool as a signed byte.
@@ -135,8 +162,10 @@ using Abi = std::conditional_t<std::is_same_v<T, bool>, signed char,
 
 template <class R>
 auto toAbi(R value) {
-  if constexpr (requires { value.leak(); })
+  if constexpr (ObjectHandle<R>)
     return static_cast<NSObject*>(value.leak());
+  else if constexpr (ObjectPointer<R>)
+    return Ref<NSObject>(const_cast<std::remove_const_t<std::remove_pointer_t<R>>*>(value)).leak();
   else
     return static_cast<Abi<R>>(value);
 }

@@ -26,22 +26,22 @@ Ref<NSString> NSException::description() const {
   return descriptionOf(_name);
 }
 
-Raised::Raised(NSException* exception) noexcept
+Raised::Raised(NSException* exception)
     : _exception(exception),
-      _text(descriptionOf(exception->name())->lossyUTF8() + ": " +
-            exception->description()->lossyUTF8()) {}
+      _text(std::make_shared<const std::string>(descriptionOf(exception->name())->lossyUTF8() +
+                                                ": " + descriptionOf(exception)->lossyUTF8())) {}
 Raised::Raised(const Raised&) noexcept = default;
 Raised::~Raised() = default;
 
-const char* Raised::what() const noexcept { return _text.c_str(); }
+const char* Raised::what() const noexcept { return _text->c_str(); }
 
 void raiseUnrecognizedSelector(NSObject* receiver, const char* selector) {
   char address[32];
   std::snprintf(address, sizeof address, "%p", static_cast<void*>(receiver));
   auto* receiverClass = cast<NSClass>(receiver);
   const auto& name = receiverClass ? receiverClass->name() : receiver->objectClass()->name();
-  raiseInvalidArgument((receiverClass ? "+[" : "-[") + name + " " + selector +
-                       "]: unrecognized selector sent to " +
+  raiseInvalidArgument((receiverClass ? "+[" : "-[") + name + " " +
+                       (selector ? selector : "(null)") + "]: unrecognized selector sent to " +
                        (receiverClass ? "class " : "instance ") + address);
 }
 

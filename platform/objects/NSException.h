@@ -2,6 +2,7 @@
 #pragma once
 
 #include <exception>
+#include <memory>
 #include <string>
 #include <string_view>
 
@@ -27,6 +28,7 @@ class KBX_PLATFORM NSException : public NSObject {
   /// Subclasses may add to what was given.
   virtual Ref<NSString> reason() const { return _reason; }
   NSDictionary* userInfo() const noexcept { return _userInfo; }
+  /// Throws a Raised that keeps this exception. (raise)
   [[noreturn]] void raise();
 
   /// The reason, or the name where there is none.
@@ -46,7 +48,7 @@ class KBX_PLATFORM NSException : public NSObject {
 /// exception of the platform's exception class"; any other C++ exception passes through it.
 class KBX_PLATFORM Raised final : public std::exception {
  public:
-  explicit Raised(NSException* exception) noexcept;
+  explicit Raised(NSException* exception);
   Raised(const Raised&) noexcept;
   ~Raised() override;
   NSException* exception() const noexcept { return _exception; }
@@ -55,7 +57,7 @@ class KBX_PLATFORM Raised final : public std::exception {
 
  private:
   Ref<NSException> _exception;
-  std::string _text;
+  std::shared_ptr<const std::string> _text;  // shared, because a copy must not fail
 };
 
 /// Raises the exception of a dynamic call that finds no method: NSInvalidArgumentException with

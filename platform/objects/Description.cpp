@@ -12,6 +12,7 @@ namespace {
 
 constexpr unsigned kDeepest = 512;
 constexpr std::size_t kLongest = std::size_t{1} << 24;
+constexpr std::size_t kLongestQuoted = std::size_t{1} << 20;  // of what is no text itself
 
 thread_local constinit unsigned openLevels = 0;
 
@@ -31,16 +32,27 @@ bool needsQuotes(NSString* text) {
 
 void appendQuoted(StringBuilder& text, NSString* value) {
   text.append("\"");
+  std::size_t from = 0;
   value->visitUnits([&](auto units) {
-    for (auto unit : units) {
-      if (unit == '"' || unit == '\\') text.appendUnit('\\');
-      if (unit == '\n')
-        text.append("\\n");
-      else
-        text.appendUnit(static_cast<char16_t>(unit));
+    for (std::size_t i = 0; i < units.size(); ++i) {
+      if (units[i] != '"' && units[i] != '\\' && units[i] != '\n') continue;
+      text.append(*value, {from, i - from}).append("\\");
+      if (units[i] == '\n') text.append("n");
+      from = i + (units[i] == '\n');
     }
   });
-  text.append("\"");
+  text.append(*value, {from, value->length() - from}).append("\"");
+}
+
+void appendValue(StringBuilder& text, NSObject* value) {
+  Ref<NSString> description = descriptionOf(value);
+  // Quoting what is quoted already doubles its backslashes, and so grows with every level.
+  if (!cast<NSString>(value) && description->length() > kLongestQuoted)
+    text.append("...");
+  else if (needsQuotes(description))
+    appendQuoted(text, description);
+  else
+    text.append(description);
 }
 
 void appendIndent(StringBuilder& text, unsigned indent) {
@@ -98,11 +110,7 @@ void appendNested(StringBuilder& text, NSObject* value, unsigned indent) {
   } else if (auto* dictionary = cast<NSDictionary>(value)) {
     appendDictionary(text, dictionary, indent);
   } else {
-    Ref<NSString> description = descriptionOf(value);
-    if (needsQuotes(description))
-      appendQuoted(text, description);
-    else
-      text.append(description);
+    appendValue(text, value);
   }
 }
 

@@ -24,7 +24,8 @@ class DescriptionLevel {
 /// collections on lines of their own, `indent` times four blanks further in.
 ///
 /// Prints "..." for levels that are too deep, and for what comes behind 2^24 units of text: one
-/// collection may hold another many times, which may hold a third many times.
+/// collection may hold another many times, which may hold a third many times. So it does for an
+/// object, other than a text or a collection, that has more than 2^20 units to say of itself.
 void appendNested(StringBuilder& text, NSObject* value, unsigned indent);
 
 }  // namespace kbx

@@ -1,7 +1,5 @@
 #include "platform/preferences/NSUserDefaults.h"
 
-#include <ranges>
-
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSException.h"
 #include "platform/objects/NSNull.h"
@@ -172,7 +170,8 @@ void NSUserDefaults::registerDefaults(NSDictionary* entries) {
 Ref<NSDictionary> NSUserDefaults::dictionaryRepresentation() const {
   auto all = NSMutableDictionary::dictionary();
   const auto found = domains();
-  for (const auto& domain : std::views::reverse(found)) all->addEntriesFromDictionary(domain);
+  for (auto domain = found.rbegin(); domain != found.rend(); ++domain)
+    all->addEntriesFromDictionary(*domain);
   return all->copy();
 }
 

@@ -53,7 +53,7 @@ TEST_F(NSUserDefaultsKBX, AMissingKeyIsToldWithItsLine) {
         {77, "kbxDoubleForKey:defaultValue:", [](auto* d) { kbxDoubleForKey(d, nullptr, 1); }},
         {53, "kbxStringForKey:defaultValue:", [](auto* d) { kbxSizeForKey(d, nullptr, {}); }}}) {
     RecordingLog log;
-    auto raised = raisedBy([&] { call(defaults); });
+    auto raised = raisedBy([this, &get = call] { get(defaults); });
     auto* exception = cast<KBXException>(raised);
     ASSERT_TRUE(exception) << selector;
     const std::string place =

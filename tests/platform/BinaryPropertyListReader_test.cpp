@@ -14,7 +14,8 @@ using namespace std::string_literals;
 
 std::string word(std::uint64_t number, unsigned size = 8) {
   std::string bytes;
-  for (unsigned i = size; i-- > 0;) bytes += static_cast<char>(number >> (8 * i) & 0xFF);
+  for (unsigned i = size; i-- > 0;)
+    bytes += i < 8 ? static_cast<char>(number >> (8 * i) & 0xFF) : '\0';
   return bytes;
 }
 

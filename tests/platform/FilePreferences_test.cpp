@@ -215,7 +215,8 @@ TEST_F(FilePreferencesTest, WhileTheSystemFailsAFileIsLeftAlone) {
   // What could not be stored is in force here, and stored as soon as that is possible.
   EXPECT_TRUE(isEqual(first.domain("d"_ns)->objectForKey("a"_ns), "1"_ns));
   EXPECT_TRUE(first.synchronize());
-  auto* values = cast<NSDictionary>(stored("d.plist"));
+  auto list = stored("d.plist");
+  auto* values = cast<NSDictionary>(list);
   ASSERT_TRUE(values);
   EXPECT_EQ(values->count(), 2u);
   EXPECT_FALSE(log.lines().empty());

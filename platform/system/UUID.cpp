@@ -2,6 +2,12 @@
 
 namespace kbx {
 
+RandomSource::~RandomSource() = default;
+
+bool fillWithRandomBytes(std::span<std::uint8_t> bytes) {
+  return RandomSource::current().fill(bytes);
+}
+
 UUIDBytes randomUUID() {
   UUIDBytes bytes{};
   if (!fillWithRandomBytes(bytes)) return {};

@@ -7,10 +7,21 @@
 #include <string>
 
 #include "platform/Export.h"
+#include "platform/system/Service.h"
 
 namespace kbx {
 
 using UUIDBytes = std::array<std::uint8_t, 16>;
+
+/// The system's random source. Called from any thread.
+class KBX_PLATFORM RandomSource {
+ public:
+  virtual ~RandomSource();
+  /// Fills the span; false, and nothing filled, when there are no random bytes.
+  virtual bool fill(std::span<std::uint8_t> bytes) = 0;
+
+  KBX_SERVICE_INTERFACE(RandomSource)
+};
 
 /// Fills the span from the system's random source; false, and nothing filled, when there is none.
 KBX_PLATFORM bool fillWithRandomBytes(std::span<std::uint8_t> bytes);

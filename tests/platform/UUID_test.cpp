@@ -4,6 +4,8 @@
 
 #include <vector>
 
+#include "tests/support/FakeRandomSource.h"
+
 namespace kbx {
 namespace {
 
@@ -28,6 +30,19 @@ TEST(UUID, RandomBytesFillASpanOfAnyLength) {
   std::vector<std::uint8_t> bytes(5000);
   ASSERT_TRUE(fillWithRandomBytes(bytes));
   EXPECT_NE(bytes, std::vector<std::uint8_t>(5000));
+}
+
+TEST(UUID, WithoutRandomBytesItIsZero) {
+  FakeRandomSource source;
+  ScopedService<RandomSource> installed(source);
+  EXPECT_EQ(randomUUID(), UUIDBytes{});
+}
+
+TEST(UUID, TheVersionAndTheVariantAreSetOverTheRandomBits) {
+  FakeRandomSource source;
+  source.hasBytes = true;
+  ScopedService<RandomSource> installed(source);
+  EXPECT_EQ(uuidString(randomUUID()), "FFFFFFFF-FFFF-4FFF-BFFF-FFFFFFFFFFFF");
 }
 
 }  // namespace

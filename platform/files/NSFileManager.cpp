@@ -1,6 +1,7 @@
 #include "platform/files/NSFileManager.h"
 
 #include "platform/files/FileErrors.h"
+#include "platform/files/FileNames.h"
 #include "platform/files/FileSystem.h"
 #include "platform/files/NSURL.h"
 #include "platform/objects/NSClass.h"
@@ -20,6 +21,11 @@ bool NSFileManager::removeItemAtURL(NSURL* url, Ref<NSError>* error) {
   const int result = FileSystem::current().remove(url->fileSystemRepresentation());
   if (result < 0 && error) *error = fileError(url, FileAction::Removing, -result);
   return result >= 0;
+}
+
+Ref<NSString> NSFileManager::stringWithFileSystemRepresentation(const char* path,
+                                                                std::size_t length) const {
+  return path ? kbx::stringWithFileSystemRepresentation({path, length}) : nullptr;
 }
 
 }  // namespace kbx

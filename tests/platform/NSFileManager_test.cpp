@@ -51,5 +51,13 @@ TEST(NSFileManager, TheErrorSaysWhatCouldNotBeRemoved) {
 
 TEST(NSFileManager, AnAbsentLocationRaises) { EXPECT_THROW(remove(nullptr, nullptr), Raised); }
 
+TEST(NSFileManager, APathsBytesBecomeItsText) {
+  auto* manager = NSFileManager::defaultManager();
+  EXPECT_EQ(text(manager->stringWithFileSystemRepresentation("/tmp/é.eml", 8)), "/tmp/é.");
+  EXPECT_EQ(text(manager->stringWithFileSystemRepresentation("/tmp", 0)), "");
+  EXPECT_EQ(manager->stringWithFileSystemRepresentation("\xFF", 1)->characterAtIndex(0), 0xDCFF);
+  EXPECT_EQ(manager->stringWithFileSystemRepresentation(nullptr, 4), nullptr);
+}
+
 }  // namespace
 }  // namespace kbx

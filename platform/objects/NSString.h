@@ -13,6 +13,7 @@
 namespace kbx {
 
 class NSArray;
+class NSCharacterSet;
 class NSData;
 enum NSStringCompareOptions : std::uint64_t;
 enum NSStringEncoding : std::uint64_t;
@@ -117,6 +118,24 @@ class KBX_PLATFORM NSString : public NSObject {
   NSComparisonResult compare(NSString* other, NSStringCompareOptions options) const;
   /// compare() with NSCaseInsensitiveSearch. (caseInsensitiveCompare:)
   NSComparisonResult caseInsensitiveCompare(NSString* other) const;
+
+  // ---- Lines and ends ----
+
+  /// Where the line around a place begins, where it ends and where its terminator begins.
+  /// (getLineStart:end:contentsEnd:forRange:)
+  ///
+  /// start, end, contentsEnd  where to store them, each nullptr when it is not wanted
+  /// range  one or several lines, or the place where the length is 0; raises NSRangeException when
+  ///        it reaches past the end
+  ///
+  /// LF, CR, CR LF, U+0085, U+2028 and U+2029 end a line.
+  void getLineStart(std::size_t* start, std::size_t* end, std::size_t* contentsEnd,
+                    NSRange range) const;
+  /// The text in small letters of no language. (lowercaseString)
+  Ref<NSString> lowercaseString() const;
+  /// The text without the set's units at both ends; an absent set has none.
+  /// (stringByTrimmingCharactersInSet:)
+  Ref<NSString> stringByTrimmingCharactersInSet(NSCharacterSet* set) const;
 
   // ---- Composed characters ----
 

@@ -13,8 +13,15 @@
 namespace kbx {
 
 KBX_CLASS(NSNumber)
+KBX_ADOPTS(NSNumber, NSCoding)
 
 namespace {
+
+// Numbers and texts are asked for plain values without a look at their class.
+[[maybe_unused]] const bool answersValues =
+    addMethod<&NSNumber::boolValue>(NSNumber::classObject(), "boolValue") &&
+    addMethod<&NSNumber::integerValue>(NSNumber::classObject(), "integerValue") &&
+    addMethod<&NSNumber::doubleValue>(NSNumber::classObject(), "doubleValue");
 
 /// A whole number of 65 bits, which holds every integer of either sign.
 struct Whole {
@@ -37,7 +44,6 @@ std::optional<Whole> whole(const NSNumber& number) {
 }
 
 }  // namespace
-KBX_ADOPTS(NSNumber, NSCoding)
 
 Ref<NSNumber> NSNumber::numberWithBool(bool value) {
   static auto* const yes = new NSNumber(Kind::Boolean, {.integer = 1});

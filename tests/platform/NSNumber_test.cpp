@@ -6,6 +6,7 @@
 #include <limits>
 #include <vector>
 
+#include "platform/objects/NSClass.h"
 #include "tests/support/Text.h"
 
 namespace kbx {
@@ -124,6 +125,13 @@ TEST(NSNumber, WhatIsNotANumberEqualsItselfOnly) {
 TEST(NSNumber, ANumberEqualsNumbersOnly) {
   EXPECT_FALSE(isEqual(integer(1), "1"_ns));
   EXPECT_FALSE(integer(1)->isEqual(nullptr));
+}
+
+TEST(NSNumber, NumbersAndTextsAnswerPlainValuesDynamically) {
+  const Ref<NSObject> values[] = {integer(1), "1"_ns};
+  for (const auto& value : values)
+    for (const char* selector : {"boolValue", "integerValue", "doubleValue"})
+      EXPECT_TRUE(value->respondsToSelector(SEL(selector))) << selector;
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "platform/text/FormatParser.h"
 
+#include <climits>
+#include <cstdlib>
 #include <cstring>
 
 #include "platform/text/StringBuilder.h"
@@ -23,6 +25,10 @@ std::uint64_t Conversion::zeroExtended(std::uint64_t word) const noexcept {
   return word << shift >> shift;
 }
 
+void Conversion::addFlag(char flag) {
+  if (flags.find(flag) == std::string::npos) flags += flag;
+}
+
 char16_t FormatParser::unit() const {
   return _at < length() ? _format->characterAtIndex(_at) : u'\0';
 }
@@ -41,15 +47,29 @@ std::optional<int> FormatParser::digits() {
   return value;
 }
 
-void FormatParser::readSize(Conversion& conversion, const std::function<int()>& number) {
+/// The n of "n$", or 0 where there is none.
+std::size_t FormatParser::position() {
+  const std::size_t start = _at;
+  const auto number = digits();
+  if (number && *number > 0 && skip('$')) return static_cast<std::size_t>(*number);
+  _at = start;
+  return 0;
+}
+
+void FormatParser::readFlags(Conversion& conversion) {
+  for (; isOneOf(unit(), "-+ #0'"); ++_at) conversion.addFlag(static_cast<char>(unit()));
+}
+
+void FormatParser::readSize(Conversion& conversion, const Number& number) {
   if (skip('*')) {
-    conversion.width = number();
-    if (conversion.width < 0) conversion.flags += '-', conversion.width = -conversion.width;
+    const int width = number(position());
+    if (width < 0) conversion.addFlag('-');
+    conversion.width = width < -INT_MAX ? INT_MAX : std::abs(width);
   } else if (auto width = digits()) {
     conversion.width = *width;
   }
   if (!skip('.')) return;
-  conversion.precision = skip('*') ? number() : digits().value_or(0);
+  conversion.precision = skip('*') ? number(position()) : digits().value_or(0);
 }
 
 void FormatParser::readLength(Conversion& conversion) {
@@ -61,14 +81,10 @@ void FormatParser::readLength(Conversion& conversion) {
   }
 }
 
-std::optional<Conversion> FormatParser::readConversion(const std::function<int()>& number) {
+std::optional<Conversion> FormatParser::readConversion(const Number& number) {
   Conversion conversion;
-  const std::size_t start = _at;
-  if (auto position = digits(); position && *position > 0 && skip('$'))
-    conversion.position = static_cast<std::size_t>(*position);
-  else
-    _at = start;
-  for (; isOneOf(unit(), "-+ #0'"); ++_at) conversion.flags += static_cast<char>(unit());
+  conversion.position = position();
+  readFlags(conversion);
   readSize(conversion, number);
   readLength(conversion);
   if (!isOneOf(unit(), "@dDiuUoOxXcCsSpfFeEgGaA")) return std::nullopt;
@@ -82,7 +98,7 @@ std::optional<Conversion> FormatParser::readConversion(const std::function<int()
   return conversion;
 }
 
-std::optional<FormatPiece> FormatParser::next(const std::function<int()>& number) {
+std::optional<FormatPiece> FormatParser::next(const Number& number) {
   if (_at >= length()) return std::nullopt;
   StringBuilder literal;
   while (_at < length()) {

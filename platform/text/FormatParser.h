@@ -12,13 +12,14 @@ namespace kbx {
 
 /// One "%…" of a format string.
 struct Conversion {
-  std::string flags;         // of "-+ #0'"
+  std::string flags;         // of "-+ #0'", each at most once
   int width = -1;            // -1: none given
   int precision = -1;        // -1: none given
   std::uint8_t bits = 32;    // what the length modifier says of an integer
   std::size_t position = 0;  // the n of "%n$", counted from 1; 0: the next argument
   char letter = 0;
 
+  void addFlag(char flag);
   std::int64_t signExtended(std::uint64_t word) const noexcept;
   std::uint64_t zeroExtended(std::uint64_t word) const noexcept;
 };
@@ -34,16 +35,21 @@ class FormatParser {
   /// format  borrowed while the parser lives; absent is empty
   explicit FormatParser(NSString* format) : _format(format) {}
 
+  /// What a "*" stands for: the argument at a position counted from 1, or (0) the next one.
+  using Number = std::function<int(std::size_t position)>;
+
   /// The next piece, or nothing at the end. `number` answers each "*", in order.
-  std::optional<FormatPiece> next(const std::function<int()>& number);
+  std::optional<FormatPiece> next(const Number& number);
 
  private:
   char16_t unit() const;
   bool skip(char16_t wanted);
   std::optional<int> digits();
-  void readSize(Conversion& conversion, const std::function<int()>& number);
+  std::size_t position();
+  void readFlags(Conversion& conversion);
+  void readSize(Conversion& conversion, const Number& number);
   void readLength(Conversion& conversion);
-  std::optional<Conversion> readConversion(const std::function<int()>& number);
+  std::optional<Conversion> readConversion(const Number& number);
   std::size_t length() const { return _format ? _format->length() : 0; }
 
   NSString* _format;

@@ -8,11 +8,16 @@
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSNumber.h"
 #include "platform/objects/NSString.h"
+#include "platform/system/Clock.h"
 
 namespace kbx {
 
 KBX_CLASS(NSDate)
 KBX_ADOPTS(NSDate, NSCoding)
+
+Ref<NSDate> NSDate::date() {
+  return dateWithTimeIntervalSince1970(Clock::current().secondsSince1970());
+}
 
 Ref<NSDate> NSDate::dateWithTimeIntervalSinceReferenceDate(double seconds) {
   return Ref<NSDate>::adopt(new NSDate(seconds));

@@ -12,6 +12,8 @@ inline constexpr double NSTimeIntervalSince1970 = 978307200.0;
 class KBX_PLATFORM NSDate final : public NSObject {
   KBX_OBJECT(NSDate, NSObject)
  public:
+  /// The present moment, by the Clock. (date)
+  static Ref<NSDate> date();
   static Ref<NSDate> dateWithTimeIntervalSinceReferenceDate(double seconds);
   static Ref<NSDate> dateWithTimeIntervalSince1970(double seconds);
 

@@ -1,5 +1,6 @@
 #include "KBXSpotlightImporter.h"
 
+#include "KBXLog.h"
 #include "NSError+KBX.h"
 #include "platform/files/NSURL.h"
 #include "platform/objects/NSClass.h"
@@ -58,13 +59,15 @@ struct Importer {
     return true;
   }
 
-  /// Calls one import function. Its answer says nothing that the attributes do not.
-  void import(NSMutableDictionary* attributes, NSString* contentType, NSURL* file) {
+  /// Calls one import function, whose answer says nothing that the attributes do not. False when
+  /// there is none.
+  bool import(NSMutableDictionary* attributes, NSString* contentType, NSURL* file) {
     if (url)
       url->ImporterImportURLData(url.get(), toCF(attributes), toCF(contentType), toCF(file));
     else if (legacy)
       legacy->ImporterImportData(legacy.get(), toCF(attributes), toCF(contentType),
                                  toCF(file ? file->path() : nullptr));
+    return url || legacy;
   }
 };
 
@@ -118,7 +121,9 @@ Ref<NSDictionary> KBXSpotlightImporter::metadataForURL(NSURL* url, NSString* con
   {
     Importer importer;
     if (!findInterfaces(_plugIn, importer, error)) return nullptr;
-    importer.import(attributes, contentType, url);
+    if (!importer.import(attributes, contentType, url))
+      KBX_LOG(LogSite("KBXFoundation/Source/KBXSpotlightImporter", 73, kHosting),
+              "No importer interface found: %@"_ns, _importerURL ? _importerURL->path() : nullptr);
   }
   return ensureTextContent(attributes, error);
 }

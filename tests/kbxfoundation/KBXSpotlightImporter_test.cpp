@@ -5,6 +5,7 @@
 #include <functional>
 #include <stdexcept>
 
+#include "KBXLogger.h"
 #include "NSError+KBX.h"
 #include "NSError+KBXKeys.h"
 #include "platform/objects/NSException.h"
@@ -14,6 +15,7 @@
 #include "platform/plugins/MDImporter.h"
 #include "platform/plugins/PlugInServices.h"
 #include "tests/support/Bundles.h"
+#include "tests/support/RecordingLog.h"
 #include "tests/support/Text.h"
 
 using namespace kbx;
@@ -243,6 +245,34 @@ TEST_F(KBXSpotlightImporterTest, WithoutAnInterfaceTheTextIsEmpty) {
     EXPECT_TRUE(isEqual(found, attributes({{"kMDItemTextContent"_ns, ""_ns}})));
     EXPECT_FALSE(error);
   }
+}
+
+TEST_F(KBXSpotlightImporterTest, WithoutAnInterfaceTheLogNamesTheBundle) {
+  auto yes = NSNumber::numberWithBool(true);
+  auto switches = attributes({{"KBXLoggerIncludeFile"_ns, yes},
+                              {"KBXLoggerIncludeLine"_ns, yes},
+                              {"KBXLoggerIncludeFunction"_ns, yes}});
+  KBXLogger::setSharedLogger(KBXLogger::initWithDefaultsDictionary(switches));
+  const std::string place = std::string("KBXSpotlightImporter:73 ") + kHosting;
+  const std::string path = text(_folder.url("Empty.mdimporter")->path());
+  Script nothing, legacy{.offersLegacy = true}, url{.offersURL = true};
+  RecordingLog log;
+  for (auto& scripts : {std::vector<Script*>{}, {&nothing}, {&legacy}, {&url}}) import(scripts);
+  const std::string expected = place + " No importer interface found: " + path;
+  EXPECT_EQ(log.lines(), (std::vector{expected, expected}));
+  KBXLogger::setSharedLogger(nullptr);
+}
+
+TEST_F(KBXSpotlightImporterTest, TheLogNamesTheLocationThatIsSet) {
+  ScriptedPlugIns services({});
+  RecordingLog log;
+  auto importer = host();
+  for (NSURL* location : {file.get(), static_cast<NSURL*>(nullptr)}) {
+    importer->setImporterURL(location);
+    importer->metadataForURL(file, nullptr, nullptr);
+  }
+  EXPECT_EQ(log.lines(), (std::vector{" No importer interface found: " + text(file->path()),
+                                      std::string(" No importer interface found: (null)")}));
 }
 
 TEST_F(KBXSpotlightImporterTest, AnAbsentListOfFactoriesIsAnError) {

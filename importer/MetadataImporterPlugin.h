@@ -48,4 +48,8 @@ Boolean LegacyGetMetadataForFile(void* instance, CFMutableDictionaryRef attribut
 IMPORTER_EXPORT Boolean addMetadataForURLToAttributes(CFURLRef url,
                                                       CFMutableDictionaryRef attributes);
 
+/// From now on the bundle logs what a domain of the user defaults asks for, as it is at this
+/// moment; see docs/logging.md. An absent or unknown domain asks for nothing. Any number of times.
+IMPORTER_EXPORT void MetadataImporterSetUpLogging(CFStringRef persistentDomainName);
+
 }  // extern "C"

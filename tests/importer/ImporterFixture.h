@@ -19,11 +19,11 @@ namespace kbx {
 inline constexpr const char* kFactoryText = "1843614B-4490-4511-8F2A-F82385D11CD7";
 inline constexpr const char* kImporterBundle =
     FERNCASE_SPOTLIGHT_DIR "/FerncaseSpotlightImporter.mdimporter";
+inline constexpr const char* kImporterExecutable = FERNCASE_SPOTLIGHT_DIR
+    "/FerncaseSpotlightImporter.mdimporter/Contents/Linux/FerncaseSpotlightImporter";
 
 inline void* importerSymbol(const char* name) {
-  static void* const bundle =
-      dlopen((std::string(kImporterBundle) + "/Contents/Linux/FerncaseSpotlightImporter").c_str(),
-             RTLD_NOW | RTLD_LOCAL);
+  static void* const bundle = dlopen(kImporterExecutable, RTLD_NOW | RTLD_LOCAL);
   void* symbol = bundle ? dlsym(bundle, name) : nullptr;
   if (!symbol) throw std::runtime_error(std::string("not exported: ") + name);
   return symbol;

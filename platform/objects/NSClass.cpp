@@ -20,8 +20,9 @@ std::mutex& runtimeLock() {
   return *lock;
 }
 
-std::unordered_map<std::string_view, NSClass*>& classesByName() {
-  static auto* const classes = new std::unordered_map<std::string_view, NSClass*>;
+// The first class of a name is the one that is found; the others are kept as well, being immortal.
+std::unordered_map<std::string_view, std::vector<NSClass*>>& classesByName() {
+  static auto* const classes = new std::unordered_map<std::string_view, std::vector<NSClass*>>;
   return *classes;
 }
 
@@ -76,14 +77,14 @@ NSClass* NSClass::make(const char* name, NSClass* superclass) {
   auto* metaclass = new NSClass(name, metaSuperclass, nullptr);
   auto* made = new NSClass(name, superclass, metaclass);
   if (!superclass) metaclass->_superclass = made;
-  classesByName().emplace(made->_name, made);
+  classesByName()[made->_name].push_back(made);
   return made;
 }
 
 NSClass* NSClass::named(std::string_view name) {
   std::lock_guard lock(runtimeLock());
   auto found = classesByName().find(name);
-  return found == classesByName().end() ? nullptr : found->second;
+  return found == classesByName().end() ? nullptr : found->second.front();
 }
 
 Ref<NSString> NSClass::description() const { return NSString::stringWithLossyUTF8(_name); }

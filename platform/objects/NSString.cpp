@@ -81,7 +81,8 @@ Ref<NSString> stringOfUnits(std::span<const char> units) {
 NSString::~NSString() = default;
 
 void NSString::setUnits(std::string_view ascii) {
-  _units = ascii.data(), _length = ascii.size(), _wide = false;
+  // An empty buffer may have no address, which the C library's functions do not take.
+  _units = ascii.empty() ? "" : ascii.data(), _length = ascii.size(), _wide = false;
 }
 void NSString::setUnits(std::u16string_view units) {
   _units = units.data(), _length = units.size(), _wide = true;

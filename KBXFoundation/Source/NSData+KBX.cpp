@@ -2,6 +2,7 @@
 #include <array>
 #include <string>
 
+#include "ByteBlock.h"
 #include "ByteSearch.h"
 #include "KBXFunctions.h"
 #include "NSData+KBX.h"
@@ -33,14 +34,17 @@ std::array<bool, 256> memberTable(NSCharacterSet* set) {
   return isMember;
 }
 
+/// The bytes for which `keeps` is true. No branch depends on them, so it costs the same whichever
+/// they are.
 template <class Keeps>
 Ref<NSData> keep(NSData* data, Keeps keeps) {
-  auto result = NSMutableData::dataWithLength(data->length());
-  std::uint8_t* to = result->mutableBytes();
-  for (unsigned char byte : data->view())
-    if (keeps(byte)) *to++ = byte;
-  result->setLength(static_cast<std::size_t>(to - result->mutableBytes()));
-  return result;
+  ByteBlock block(data->length());
+  std::uint8_t* to = block.bytes();
+  for (unsigned char byte : data->view()) {
+    *to = byte;
+    to += keeps(byte) ? 1 : 0;
+  }
+  return block.take(static_cast<std::size_t>(to - block.bytes()));
 }
 
 }  // namespace
@@ -123,8 +127,9 @@ Ref<NSData> kbxDataByReplacingData(NSData* data, NSData* target, NSData* replace
 Ref<NSData> kbxDataByDeletingFirstLine(NSData* data) {
   if (!data) return nullptr;
   const std::string_view bytes = data->view();
-  const std::size_t end = std::min(firstOf(bytes, '\r'), firstOf(bytes, '\n'));
-  if (end == std::string_view::npos) return data;
+  const std::size_t feed = std::min(firstOf(bytes, '\n'), bytes.size());
+  const std::size_t end = std::min(firstOf(bytes.substr(0, feed), '\r'), feed);
+  if (end == bytes.size()) return data;
   const bool isPair = bytes.substr(end).starts_with("\r\n");
   return tail(data, end + (isPair ? 2 : 1));
 }

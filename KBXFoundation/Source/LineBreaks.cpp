@@ -1,0 +1,173 @@
+#include "LineBreaks.h"
+
+#include <bit>
+#include <cstring>
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
+
+namespace kbx {
+namespace {
+
+using Bytes = std::span<const std::uint8_t>;
+
+/// Where copying stands: what is read, and where the next byte goes.
+struct Cursor {
+  std::size_t read = 0;
+  std::uint8_t* write;
+};
+
+/// Copies what is left. One pass gives the same as replacing the pairs first and the lone returns
+/// then: a return is dropped if and only if a line feed follows.
+Cursor copyBytes(Bytes input, Cursor cursor) {
+  for (; cursor.read < input.size(); ++cursor.read) {
+    const std::uint8_t byte = input[cursor.read];
+    const bool startsPair =
+        byte == '\r' && cursor.read + 1 < input.size() && input[cursor.read + 1] == '\n';
+    *cursor.write = byte == '\r' ? '\n' : byte;
+    cursor.write += startsPair ? 0 : 1;
+  }
+  return cursor;
+}
+
+/// Copies what stands before the first return, where there is nothing to do.
+Cursor copyPrefix(Bytes input, std::uint8_t* output) {
+  const void* found = input.empty() ? nullptr : std::memchr(input.data(), '\r', input.size());
+  const std::size_t length =
+      found ? static_cast<std::size_t>(static_cast<const std::uint8_t*>(found) - input.data())
+            : input.size();
+  if (length > 0) std::memcpy(output, input.data(), length);
+  return {length, output + length};
+}
+
+#if defined(__x86_64__)
+
+constexpr std::size_t kBlock = 32;
+
+/// The two things that are done with a block, by the instructions that every x86-64 has.
+struct NarrowBlock {
+  static __m128i load(const std::uint8_t* bytes) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+  }
+  static __m128i isByte(const std::uint8_t* bytes, char byte) {
+    return _mm_cmpeq_epi8(load(bytes), _mm_set1_epi8(byte));
+  }
+  static void copyHalf(const std::uint8_t* from, std::uint8_t* to) {
+    const __m128i change = _mm_and_si128(isByte(from, '\r'), _mm_set1_epi8('\r' ^ '\n'));
+    _mm_storeu_si128(reinterpret_cast<__m128i*>(to), _mm_xor_si128(load(from), change));
+  }
+  static std::uint32_t pairsOfHalf(const std::uint8_t* half) {
+    const __m128i pairs = _mm_and_si128(isByte(half, '\r'), isByte(half + 1, '\n'));
+    return static_cast<std::uint32_t>(_mm_movemask_epi8(pairs));
+  }
+
+  /// Copies a block, each return as a line feed.
+  static void copy(const std::uint8_t* from, std::uint8_t* to) {
+    copyHalf(from, to);
+    copyHalf(from + kBlock / 2, to + kBlock / 2);
+  }
+  /// A bit for each return that has a line feed behind it.
+  static std::uint32_t pairs(const std::uint8_t* block) {
+    return pairsOfHalf(block) | pairsOfHalf(block + kBlock / 2) << kBlock / 2;
+  }
+};
+
+#define KBX_AVX2 __attribute__((target("avx2")))
+
+/// The same for processors with registers of that size.
+struct WideBlock {
+  KBX_AVX2 static __m256i load(const std::uint8_t* bytes) {
+    return _mm256_loadu_si256(reinterpret_cast<const __m256i*>(bytes));
+  }
+  KBX_AVX2 static __m256i isByte(const std::uint8_t* bytes, char byte) {
+    return _mm256_cmpeq_epi8(load(bytes), _mm256_set1_epi8(byte));
+  }
+
+  KBX_AVX2 static void copy(const std::uint8_t* from, std::uint8_t* to) {
+    const __m256i change = _mm256_and_si256(isByte(from, '\r'), _mm256_set1_epi8('\r' ^ '\n'));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), _mm256_xor_si256(load(from), change));
+  }
+  KBX_AVX2 static std::uint32_t pairs(const std::uint8_t* block) {
+    const __m256i pairs = _mm256_and_si256(isByte(block, '\r'), isByte(block + 1, '\n'));
+    return static_cast<std::uint32_t>(_mm256_movemask_epi8(pairs));
+  }
+};
+
+/// Copies blocks while what they look at is inside the input: up to two blocks and a byte.
+///
+/// A block is written whole; then, for each pair, what stands behind its return is written once
+/// more, one place further left. Most blocks have one pair or none, and no branch tells these two
+/// apart, for nobody could predict where lines end: without a pair the block is written twice.
+/// Whatever is written too far is overwritten by what comes next.
+template <class Block>
+[[gnu::always_inline]] inline Cursor copyBlocks(Bytes input, Cursor cursor) {
+  for (; cursor.read + 2 * kBlock + 1 <= input.size(); cursor.read += kBlock) {
+    const std::uint8_t* block = input.data() + cursor.read;
+    std::uint64_t pairs = Block::pairs(block);
+    const std::size_t dropped = pairs != 0 ? 1 : 0;
+    const std::size_t rest = pairs != 0 ? static_cast<std::size_t>(std::countr_zero(pairs)) + 1 : 0;
+    Block::copy(block, cursor.write);
+    Block::copy(block + rest, cursor.write + rest - dropped);
+    cursor.write += kBlock - dropped;
+    for (pairs &= pairs - 1; pairs != 0; pairs &= pairs - 1) {
+      const auto next = static_cast<std::size_t>(std::countr_zero(pairs));
+      cursor.write -= 1;
+      Block::copy(block + next + 1, cursor.write - (kBlock - 1 - next));
+    }
+  }
+  return cursor;
+}
+
+// The attribute lets the compiler put the block's instructions into the loop.
+KBX_AVX2 Cursor copyWideBlocks(Bytes input, Cursor cursor) {
+  return copyBlocks<WideBlock>(input, cursor);
+}
+Cursor copyNarrowBlocks(Bytes input, Cursor cursor) {
+  return copyBlocks<NarrowBlock>(input, cursor);
+}
+
+bool hasWideBlocks() { return __builtin_cpu_supports("avx2"); }
+constexpr bool kHasNarrowBlocks = true;
+
+#else
+
+bool hasWideBlocks() { return false; }
+constexpr bool kHasNarrowBlocks = false;
+Cursor copyWideBlocks(Bytes, Cursor cursor) { return cursor; }
+Cursor copyNarrowBlocks(Bytes, Cursor cursor) { return cursor; }
+
+#endif
+
+LineBreakLoop fastestLoop() {
+  if (hasLineBreakLoop(LineBreakLoop::Wide)) return LineBreakLoop::Wide;
+  return kHasNarrowBlocks ? LineBreakLoop::Narrow : LineBreakLoop::Bytewise;
+}
+
+}  // namespace
+
+bool hasLineBreakLoop(LineBreakLoop loop) {
+  switch (loop) {
+    case LineBreakLoop::Wide:
+      return hasWideBlocks();
+    case LineBreakLoop::Narrow:
+      return kHasNarrowBlocks;
+    default:
+      return true;
+  }
+}
+
+std::size_t copyWithLineFeeds(Bytes input, std::uint8_t* output, LineBreakLoop loop) {
+  Cursor cursor = copyPrefix(input, output);
+  if (loop == LineBreakLoop::Wide) cursor = copyWideBlocks(input, cursor);
+  if (loop == LineBreakLoop::Narrow) cursor = copyNarrowBlocks(input, cursor);
+  cursor = copyBytes(input, cursor);
+  return static_cast<std::size_t>(cursor.write - output);
+}
+
+std::size_t copyWithLineFeeds(Bytes input, std::uint8_t* output) {
+  static const LineBreakLoop loop = fastestLoop();
+  return copyWithLineFeeds(input, output, loop);
+}
+
+}  // namespace kbx

@@ -6,6 +6,7 @@
 #include <unicode/utf16.h>
 
 #include <cstdint>
+#include <optional>
 
 #include "platform/text/Decomposition.h"
 
@@ -65,12 +66,39 @@ void appendCaseFolded(std::u32string& folded, char32_t character) {
   for (std::int32_t i = 0; i < count; ++i) folded += parts[i];
 }
 
-bool isDecomposable(char32_t character) {
-  if (character < 0xC0) return false;
+/// The key of an ASCII letter with one mark, which is what decomposed text is full of; absent where
+/// it takes the long way.
+std::optional<std::u16string> keyOfMarkedLetter(const std::u32string& characters,
+                                                NSStringCompareOptions options) {
+  if (characters.size() != 2 || characters[0] >= 0x80 || characters[1] > 0xFFFF ||
+      (options & (NSDiacriticInsensitiveSearch | NSWidthInsensitiveSearch)))
+    return std::nullopt;
   UErrorCode status = U_ZERO_ERROR;
+  const UNormalizer2* composer = unorm2_getNFCInstance(&status);
+  auto letter = static_cast<UChar32>(characters[0]), mark = static_cast<UChar32>(characters[1]);
   char16_t parts[8];
-  return unorm2_getDecomposition(unorm2_getNFDInstance(&status), static_cast<UChar32>(character),
-                                 parts, 8, &status) >= 0;
+  if (unorm2_getRawDecomposition(composer, mark, parts, 8, &status) >= 0) return std::nullopt;
+  if (options & NSCaseInsensitiveSearch) {
+    letter = u_foldCase(letter, U_FOLD_CASE_DEFAULT);
+    mark = u_foldCase(mark, U_FOLD_CASE_DEFAULT);
+  }
+  const UChar32 both = unorm2_composePair(composer, letter, mark);
+  if (both >= 0) return std::u16string{static_cast<char16_t>(both)};
+  return std::u16string{static_cast<char16_t>(letter), static_cast<char16_t>(mark)};
+}
+
+/// The canonical composition. In linear time, because the marks are in their order already.
+std::u16string composed(const std::u32string& characters) {
+  std::u16string parts;
+  for (char32_t character : characters) appendUnits(parts, character);
+  std::u16string result(parts.size(), u'\0');
+  UErrorCode status = U_ZERO_ERROR;
+  const std::int32_t length = unorm2_normalize(
+      unorm2_getNFCInstance(&status), parts.data(), static_cast<std::int32_t>(parts.size()),
+      result.data(), static_cast<std::int32_t>(result.size()), &status);
+  if (U_FAILURE(status)) return parts;  // a run of marks beyond all measure
+  result.resize(static_cast<std::size_t>(length));
+  return result;
 }
 
 }  // namespace
@@ -84,25 +112,18 @@ bool joinsBefore(char32_t character, NSStringCompareOptions options) {
   return !unorm2_hasBoundaryBefore(unorm2_getNFCInstance(&status), c);
 }
 
-std::u32string foldedCharacters(std::u32string characters, NSStringCompareOptions options) {
+std::u16string foldedKey(const std::u32string& characters, NSStringCompareOptions options) {
+  if (auto key = keyOfMarkedLetter(characters, options)) return *key;
   std::u32string parts;
   for (char32_t character : characters)
     appendDecomposed(parts,
                      options & NSWidthInsensitiveSearch ? commonWidth(character) : character);
   orderMarks(parts);
   if (options & NSDiacriticInsensitiveSearch) std::erase_if(parts, isDiacritic);
-  if (!(options & NSCaseInsensitiveSearch)) return parts;
+  if (!(options & NSCaseInsensitiveSearch)) return composed(parts);
   std::u32string folded;
   for (char32_t character : parts) appendCaseFolded(folded, character);
-  return folded;
-}
-
-char32_t foldedCharacter(char32_t character, NSStringCompareOptions options) {
-  if (options & NSWidthInsensitiveSearch) character = commonWidth(character);
-  if (isDecomposable(character) || isDiacritic(character)) return 0;
-  if (!(options & NSCaseInsensitiveSearch)) return character;
-  if (hasFullFolding(character)) return 0;
-  return static_cast<char32_t>(u_foldCase(static_cast<UChar32>(character), U_FOLD_CASE_DEFAULT));
+  return composed(folded);
 }
 
 }  // namespace kbx

@@ -12,13 +12,10 @@ namespace kbx {
 /// mark, or a part that composes with what stands before.
 KBX_PLATFORM bool joinsBefore(char32_t character, NSStringCompareOptions options);
 
-/// The key under which characters are the same: their canonical decomposition, in canonical order,
-/// as the options say with letters in full case folding, without diacritics, in common width.
-/// `characters` begins where one begins that joins nothing.
-KBX_PLATFORM std::u32string foldedCharacters(std::u32string characters,
-                                             NSStringCompareOptions options);
-
-/// The key of one character, where it is one character too; 0 when it takes foldedCharacters().
-KBX_PLATFORM char32_t foldedCharacter(char32_t character, NSStringCompareOptions options);
+/// The key under which characters are the same: their canonical composition, and as the options say
+/// letters in full case folding, no diacritics, the common width. `characters` begins where one
+/// begins that joins nothing.
+KBX_PLATFORM std::u16string foldedKey(const std::u32string& characters,
+                                      NSStringCompareOptions options);
 
 }  // namespace kbx

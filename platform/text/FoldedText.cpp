@@ -4,15 +4,16 @@
 
 #include <algorithm>
 #include <span>
+#include <stdexcept>
 
 #include "platform/text/CaseFolding.h"
-#include "platform/text/Decomposition.h"
+#include "platform/text/FoldingTable.h"
 #include "platform/text/KeySearch.h"
 
 namespace kbx {
 namespace {
 
-constexpr char16_t kFirstMark = 0x300;
+constexpr std::size_t kLongest = std::size_t{1} << 30;  // units; a key may be three times as long
 
 template <class Unit>
 Unit foldASCII(Unit unit, NSStringCompareOptions options) {
@@ -25,7 +26,7 @@ std::size_t endOfElement(std::u16string_view units, std::size_t from,
                          NSStringCompareOptions options) {
   std::size_t end = from;
   U16_FWD_1(units, end, units.size());
-  while (end < units.size() && units[end] >= kFirstMark) {
+  while (end < units.size()) {
     std::size_t next = end;
     UChar32 c;
     U16_NEXT(units, next, units.size(), c);
@@ -52,11 +53,15 @@ FoldedText::FoldedText(const NSString* text, NSStringCompareOptions options, std
 
 void FoldedText::foldWide(std::u16string_view units, NSStringCompareOptions options,
                           std::size_t enough) {
+  if (units.size() > kLongest) throw std::length_error("a text of this length is not folded");
+  const FoldingTable& table = FoldingTable::of(options);
   _wide.reserve(std::min(enough, units.size()));
   for (std::size_t i = 0; i < units.size() && _wide.size() < enough;) {
-    const bool isAlone = i + 1 == units.size() || units[i + 1] < kFirstMark;
-    if (units[i] < 0x80 && isAlone) {
-      _wide += foldASCII(units[i++], options);
+    const FoldingTable::Entry entry = table[units[i]];
+    const bool isAlone = i + 1 == units.size() || !table[units[i + 1]].mayJoin;
+    if (entry.isSimple && isAlone) {
+      _wide += entry.key;
+      ++i;
       continue;
     }
     const std::size_t end = endOfElement(units, i, options);
@@ -67,23 +72,17 @@ void FoldedText::foldWide(std::u16string_view units, NSStringCompareOptions opti
 
 void FoldedText::appendElement(std::u16string_view units, std::size_t from, std::size_t to,
                                NSStringCompareOptions options) {
-  if (to - from == 1) {
-    const char32_t folded = foldedCharacter(units[from], options);
-    if (folded > 0 && folded <= 0xFFFF) {
-      _wide += static_cast<char16_t>(folded);
-      return;
-    }
-  }
   std::u32string characters;
   for (std::size_t i = from; i < to;) {
     UChar32 c;
     U16_NEXT(units, i, to, c);
     characters += static_cast<char32_t>(c);
   }
-  const std::size_t start = _wide.size();
-  for (char32_t character : foldedCharacters(std::move(characters), options))
-    appendUnits(_wide, character);
-  _irregular.push_back({start, _wide.size() - start, from, to - from});
+  const std::u16string key = foldedKey(characters, options);
+  _irregular.push_back({static_cast<std::uint32_t>(_wide.size()),
+                        static_cast<std::uint32_t>(key.size()), static_cast<std::uint32_t>(from),
+                        static_cast<std::uint32_t>(to - from)});
+  _wide += key;
 }
 
 template <class Visitor>

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,7 +36,7 @@ class FoldedText {
  private:
   /// An element whose key is not one unit for one unit.
   struct Irregular {
-    std::size_t key, keyLength, text, textLength;
+    std::uint32_t key, keyLength, text, textLength;
   };
 
   template <class Visitor>

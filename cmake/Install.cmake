@@ -5,14 +5,12 @@ include(CMakePackageConfigHelpers)
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/platform" DESTINATION ${FERNCASE_INCLUDE_DIR}
   FILES_MATCHING PATTERN "*.h" PATTERN linux EXCLUDE)
 
-if(TARGET platform)
-  install(EXPORT ferncase NAMESPACE ferncase:: DESTINATION ${FERNCASE_CMAKE_DIR}
-    FILE ferncaseConfig.cmake)
-  write_basic_package_version_file("${PROJECT_BINARY_DIR}/ferncaseConfigVersion.cmake"
-    COMPATIBILITY SameMinorVersion)
-  install(FILES "${PROJECT_BINARY_DIR}/ferncaseConfigVersion.cmake"
-    DESTINATION ${FERNCASE_CMAKE_DIR})
-endif()
+install(EXPORT ferncase NAMESPACE ferncase:: DESTINATION ${FERNCASE_CMAKE_DIR}
+  FILE ferncaseConfig.cmake)
+write_basic_package_version_file("${PROJECT_BINARY_DIR}/ferncaseConfigVersion.cmake"
+  COMPATIBILITY SameMinorVersion)
+install(FILES "${PROJECT_BINARY_DIR}/ferncaseConfigVersion.cmake"
+  DESTINATION ${FERNCASE_CMAKE_DIR})
 
 install(FILES "${PROJECT_SOURCE_DIR}/README.md" DESTINATION ${FERNCASE_DOC_DIR})
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION ${FERNCASE_DOC_DIR})

@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
 #include <vector>
 
 #include "tests/support/FakeEnvironment.h"
@@ -92,17 +91,6 @@ TEST(DisplayOrder, TheEnvironmentNamesTheLanguage) {
     FakeEnvironment environment(variables);
     EXPECT_EQ(collationLocale(environment), locale);
   }
-}
-
-TEST(DisplayOrder, ThreadsShareOne) {
-  const DisplayOrder order("de");
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i)
-    threads.emplace_back([&] {
-      for (int round = 0; round < 100; ++round)
-        EXPECT_EQ(order.compare("ä"_ns, "z"_ns, kMask97), NSOrderedAscending);
-    });
-  for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace

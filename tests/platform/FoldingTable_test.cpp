@@ -3,8 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <string>
-#include <thread>
-#include <vector>
 
 #include "platform/text/CaseFolding.h"
 
@@ -41,17 +39,6 @@ TEST(FoldingTable, OtherOptionsMakeNoOtherTable) {
   EXPECT_EQ(&FoldingTable::of(NSCaseInsensitiveSearch),
             &FoldingTable::of(NSCaseInsensitiveSearch | NSAnchoredSearch));
   EXPECT_NE(&FoldingTable::of(NSCaseInsensitiveSearch), &FoldingTable::of(kAll));
-}
-
-TEST(FoldingTable, ThreadsMakeAPageOnce) {
-  const FoldingTable& table = FoldingTable::of(NSWidthInsensitiveSearch);
-  std::vector<std::thread> threads;
-  for (int i = 0; i < 4; ++i)
-    threads.emplace_back([&] {
-      for (unsigned value = 0; value < 0xD800; ++value)
-        EXPECT_FALSE(value < 0x300 && table[static_cast<char16_t>(value)].key != value);
-    });
-  for (std::thread& thread : threads) thread.join();
 }
 
 }  // namespace

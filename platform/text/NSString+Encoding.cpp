@@ -1,6 +1,7 @@
 // NSString: text from the bytes of an encoding and back.
 #include <unicode/utf16.h>
 
+#include <algorithm>
 #include <bit>
 #include <optional>
 #include <string>
@@ -81,6 +82,21 @@ Bytes encodeUTF8(std::u16string_view units, bool isLossy) {
   return isLossy ? lossyUTF8FromUTF16(units) : utf8FromUTF16(units);
 }
 
+bool hasPrivateUse(std::u16string_view units) {
+  // In the basic plane, or as the first half of a pair beyond it.
+  return std::ranges::any_of(units, [](char16_t unit) {
+    return (unit >= 0xE000 && unit <= 0xF8FF) || (unit >= 0xDB80 && unit <= 0xDBFF);
+  });
+}
+
+Bytes encodeInCharset(std::u16string_view units, const char* charset, bool isLossy) {
+  Bytes bytes = encodeCharset(units, charset, isLossy);
+  // ICU gives private-use characters bytes that are read as others, whatever it is told.
+  if (bytes && !isLossy && hasPrivateUse(units) && decodeCharset(*bytes, charset, false) != units)
+    return std::nullopt;
+  return bytes;
+}
+
 Bytes encode(std::u16string_view units, NSStringEncoding encoding, bool isLossy) {
   // The forms without a fixed order begin with a mark that tells this machine's.
   switch (encoding) {
@@ -106,7 +122,7 @@ Bytes encode(std::u16string_view units, NSStringEncoding encoding, bool isLossy)
       return encodeUTF32(units, std::endian::little, isLossy);
     default: {
       const Charset* charset = charsetOf(encoding);
-      return charset ? encodeCharset(units, charset->name, isLossy) : std::nullopt;
+      return charset ? encodeInCharset(units, charset->name, isLossy) : std::nullopt;
     }
   }
 }

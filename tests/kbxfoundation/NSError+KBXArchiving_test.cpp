@@ -120,6 +120,25 @@ TEST(NSErrorKBXArchiving, TheUnderlyingErrorsEntryBecomesItsDescription) {
   EXPECT_TRUE(isEqual(cause->userInfo()->objectForKey("k"_ns), "a widget"_ns));
 }
 
+TEST(NSErrorKBXArchiving, AChainOfCausesMayHaveAnyLength) {
+  auto error = errorWith(Widget::make());
+  for (int level = 0; level < 100'000; ++level) error = errorWith(error);
+  Ref<NSError> copy = kbxArchivableError(error);
+  NSObject* found = copy;
+  while (auto* cause = cast<NSError>(found)) found = cause->userInfo()->objectForKey("k"_ns);
+  EXPECT_TRUE(isEqual(found, "a widget"_ns));
+}
+
+TEST(NSErrorKBXArchiving, AnErrorBehindManyIsCopiedOnce) {
+  auto error = errorWith(Widget::make());
+  for (int level = 0; level < 64; ++level)
+    error = NSError::errorWithDomain(
+        "D"_ns, 7, NSDictionary::dictionaryWithPairs({{"k"_ns, error}, {"l"_ns, error}}));
+  Ref<NSError> copy = kbxArchivableError(error);
+  EXPECT_TRUE(
+      isSame(copy->userInfo()->objectForKey("k"_ns), copy->userInfo()->objectForKey("l"_ns)));
+}
+
 TEST(NSErrorKBXArchiving, CollectionsCountAsAWhole) {
   auto widget = Widget::make();
   auto list = NSArray::arrayWithObjects({widget});

@@ -121,7 +121,7 @@ void Writer::appendError(StringBuilder& out, NSError* error, unsigned level) {
 void Writer::appendValue(StringBuilder& out, NSObject* value, unsigned level) {
   static const SEL isKindOfClass("isKindOfClass:");
   if (!value->respondsToSelector(isKindOfClass))
-    appendText(out, value->description(), level);
+    appendText(out, descriptionOf(value), level);
   else if (auto* error = cast<NSError>(value))
     appendError(out, error, level);
   else
@@ -138,7 +138,7 @@ void Writer::appendOther(StringBuilder& out, NSObject* value, unsigned level) {
     nest(out, [&] { appendDictionary(out, dictionary, level); });
   } else {
     // Some descriptions write a line break as a backslash and an n.
-    appendText(out, value->description()->stringByReplacingOccurrences("\\n"_ns, "\n"_ns), level);
+    appendText(out, descriptionOf(value)->stringByReplacingOccurrences("\\n"_ns, "\n"_ns), level);
   }
 }
 

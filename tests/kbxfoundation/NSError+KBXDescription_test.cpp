@@ -202,6 +202,8 @@ TEST(NSErrorKBXDescription, ValuesArePrintedByTheirKind) {
             "        )"},
            {"a description's line breaks count, written out or not", Described::make("a\nb\\nc"_ns),
             "a\n        b\n        c"},
+           {"an absent description prints as null", Described::make(nullptr), "(null)"},
+           {"so does that of what is of no kind", Foreign::make(nullptr), "(null)"},
            {"what is of no kind is its description, unchanged", Foreign::make("a\nb\\nc"_ns),
             "a\n    b\\nc"}}) {
     SCOPED_TRACE(rule);

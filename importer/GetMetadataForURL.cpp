@@ -18,6 +18,13 @@ bool boolOf(NSObject* value) {
   raiseUnrecognizedSelector(value, "boolValue");
 }
 
+/// Adds what was found; nothing without a dictionary. C code can cast anything to the mutable type.
+void addEntries(NSDictionary* target, NSDictionary* found) {
+  auto* changeable = cast<NSMutableDictionary>(target);
+  if (target && !changeable) raiseUnrecognizedSelector(target, "addEntriesFromDictionary:");
+  if (changeable) changeable->addEntriesFromDictionary(found);
+}
+
 }  // namespace
 
 Boolean LegacyGetMetadataForFile(void* instance, CFMutableDictionaryRef attributes,
@@ -40,12 +47,12 @@ Boolean GetMetadataForURL(void*, CFMutableDictionaryRef attributes, CFStringRef,
 
 Boolean addMetadataForURLToAttributes(CFURLRef url, CFMutableDictionaryRef attributes) {
   NSURL* file = fromCF(url);
-  NSMutableDictionary* target = fromCF(attributes);
+  NSDictionary* target = fromCF(static_cast<CFDictionaryRef>(attributes));
   const bool isForced = target && boolOf(target->objectForKey("FoxTrot"_ns));
   Ref<NSError> error;
   Ref<NSDictionary> found = KBXEMLXFile::metadataForEMLURL(file, isForced, &error);
   if (found) {
-    if (target) target->addEntriesFromDictionary(found);
+    addEntries(target, found);
     return true;
   }
   NSLog("FerncaseSpotlightImporter error %@ for file %@"_ns, kbxFullDescription(error),

@@ -165,6 +165,30 @@ TEST_F(GetMetadataForURLTest, WithoutADictionaryNothingIsForcedAndNothingKept) {
   EXPECT_TRUE(IMPORTER_FUNCTION(GetMetadataForURL)(nullptr, nullptr, nullptr, toCF(file)));
 }
 
+TEST_F(GetMetadataForURLTest, ADictionaryThatCannotBeChangedIsAnExceptionAndStaysAsItIs) {
+  Ref<NSURL> file = folder.write("letter.eml", kMessage);
+  auto fixed = NSDictionary::dictionaryWithPairs({{"kMDItemTitle"_ns, "kept"_ns}});
+  auto* mutableRef = static_cast<CFMutableDictionaryRef>(static_cast<void*>(fixed.get()));
+  EXPECT_FALSE(IMPORTER_FUNCTION(GetMetadataForURL)(nullptr, mutableRef, nullptr, toCF(file)));
+  EXPECT_EQ(fixed->count(), 1u);
+  ASSERT_EQ(log.lines().size(), 1u);
+  EXPECT_TRUE(log.lines()[0].starts_with(
+      "FerncaseSpotlightImporter exception: -[NSDictionary addEntriesFromDictionary:]: "
+      "unrecognized selector"))
+      << log.lines()[0];
+}
+
+TEST_F(GetMetadataForURLTest, AnAbsentFileIsEmptyTextOrWithForceAnException) {
+  EXPECT_TRUE(import(nullptr));
+  EXPECT_EQ(value("kMDItemTextContent"_ns), "");
+  EXPECT_TRUE(log.lines().empty());
+  force();
+  EXPECT_FALSE(import(nullptr));
+  EXPECT_EQ(log.lines(),
+            std::vector<std::string>{"FerncaseSpotlightImporter exception: "
+                                     "-[NSData initWithContentsOfURL:options:error:]: nil URL"});
+}
+
 TEST_F(GetMetadataForURLTest, AnyNumberOfImportsOfAFileMayRunAtOnce) {
   Ref<NSURL> file = folder.write("letter.eml", kMessage);
   std::atomic<int> found{0};
@@ -205,6 +229,7 @@ TEST_F(GetMetadataForURLTest, APathWithForceReachesTheMailImporterToo) {
 TEST_F(GetMetadataForURLTest, APathThatCannotBecomeAURLIsFalseWithoutALine) {
   EXPECT_FALSE(importPath(nullptr));
   EXPECT_FALSE(importPath(CFSTR("")));
+  EXPECT_FALSE(importPath(toCF(string(std::string_view("/a\0b", 4)))));
   EXPECT_EQ(attributes->count(), 0u);
   EXPECT_TRUE(log.lines().empty());
 }

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <fstream>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <set>
 #include <stdexcept>
 #include <thread>
@@ -281,6 +282,44 @@ TEST_F(Driver, AnUnsandboxedProcessUsesTheMailImporterUnforced) {
   EXPECT_EQ(value(attributes, "kMDItemSubject"_ns), "Hello");
 }
 
+TEST_F(Driver, InAHostNamedCurioTheRawTextIsTheAnswerUnlessForced) {
+  World world = World::old();
+  world.environment.entries = environment.entries;
+  auto url = folder.write("a.eml", "Subject: Hello\r\n\r\nThe body\r\n");
+  struct Case {
+    const char* process;
+    bool isForced;
+    bool isRaw;
+  };
+  for (auto [process, isForced, isRaw] :
+       {Case{"CurioX", false, true}, {"CurioX", true, false}, {"curio", false, false}}) {
+    SCOPED_TRACE(process);
+    world.process.name = process;
+    auto attributes = KBXEMLXFile::metadataForEMLURL(url, isForced, nullptr);
+    EXPECT_EQ(value(attributes, "kMDItemTextContent"_ns),
+              isRaw ? "Subject: Hello\r\n\r\nThe body\r\n" : "The body\n");
+    EXPECT_EQ(attributes->count() == 1, isRaw);
+  }
+}
+
+/// A system that counts how often it is asked.
+class AskedSystem final : public OperatingSystem {
+ public:
+  double foundationVersionNumber() override { return ++timesAsked, 1677.104; }
+  NSOperatingSystemVersion version() override { return {10, 15, 7}; }
+  bool isAvailable(NSOperatingSystemVersion) override { return true; }
+  std::optional<std::int32_t> gestalt(OSType) override { return std::nullopt; }
+
+  int timesAsked = 0;
+};
+
+TEST_F(Driver, TheVetoIsAskedForAlsoWhenItIsOverridden) {
+  AskedSystem system;
+  ScopedService<OperatingSystem> installedSystem(system);
+  import(folder.url("none.eml"), nullptr);
+  EXPECT_EQ(system.timesAsked, 1);
+}
+
 TEST_F(Driver, TheTemporaryFileLiesHiddenBesideTheMessageAndIsRemoved) {
   auto url = folder.write("a.eml", "Subject: x\n\nb");
   std::set<std::string> names;
@@ -383,6 +422,12 @@ TEST_F(Driver, TheDriverAddsNothingToTheImportersAnswer) {
   for (const auto& [key, value] : *attributes) keys.insert(text(key));
   EXPECT_EQ(keys, (std::set<std::string>{"kMDItemSubject", "kMDItemTextContent",
                                          "TestMailContentType", "TestMailPath"}));
+}
+
+TEST_F(Driver, AnEmptyMessageIsAMessage) {
+  auto attributes = import(folder.write("a.eml", ""), nullptr);
+  EXPECT_EQ(value(attributes, "TestMailFault"_ns), "(null)");
+  EXPECT_EQ(value(attributes, "kMDItemTextContent"_ns), "");
 }
 
 TEST_F(Driver, CallsForOneMessageDoNotGetInEachOthersWay) {

@@ -29,6 +29,7 @@ struct Script {
   bool offersURL = false;
   bool offersLegacy = false;
   std::function<bool(NSMutableDictionary*)> import = [](auto*) { return true; };
+  bool raisesForURL = false;  // the query for that interface
 
   std::string calls = {};  // in the order in which they came
   std::string argument = {};
@@ -58,6 +59,8 @@ HRESULT queryInterface(void* interface, REFIID identifier, LPVOID* result) {
   const bool isURL = toCF(wanted) == kMDImporterURLInterfaceID;
   const bool isLegacy = toCF(wanted) == kMDImporterInterfaceID;
   note(interface, isURL ? "query-url" : isLegacy ? "query-legacy" : "query-other");
+  if (isURL && part->script->raisesForURL)
+    NSException::exceptionWithName("X"_ns, nullptr, nullptr)->raise();
   Part* found = isURL && part->script->offersURL         ? part->url
                 : isLegacy && part->script->offersLegacy ? part->legacy
                                                          : nullptr;
@@ -321,6 +324,22 @@ TEST_F(KBXSpotlightImporterTest, InterfacesAreReleasedOnceWhenTheImporterRaises)
   EXPECT_THROW(import({&script}), Raised);
   EXPECT_EQ(script.calls,
             "create query-legacy query-url release-instance import-url release-legacy release-url");
+  EXPECT_EQ(script.references, 0);
+}
+
+TEST_F(KBXSpotlightImporterTest, WhatWasObtainedIsReleasedOnceWhenAQueryRaises) {
+  Script script{.offersLegacy = true, .raisesForURL = true};
+  EXPECT_THROW(import({&script}), Raised);
+  EXPECT_EQ(script.calls, "create query-legacy query-url release-instance release-legacy");
+  EXPECT_EQ(script.references, 0);
+}
+
+TEST_F(KBXSpotlightImporterTest, WhatWasObtainedIsReleasedOnceWhenTheTextRaises) {
+  Script script{.offersURL = true, .offersLegacy = true, .import = [](NSMutableDictionary* found) {
+                  found->setObjectForKey(NSNull::null(), "kMDItemTextContent"_ns);
+                  return true;
+                }};
+  EXPECT_THROW(import({&script}), Raised);
   EXPECT_EQ(script.references, 0);
 }
 

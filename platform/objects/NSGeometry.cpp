@@ -5,17 +5,13 @@
 #include <string_view>
 
 #include "platform/objects/NSString.h"
+#include "platform/objects/RealText.h"
 
 namespace kbx {
 namespace {
 
-std::string shortest(double value) {
-  char text[32];
-  return {text, std::to_chars(text, text + sizeof text, value).ptr};
-}
-
 std::string pair(double first, double second) {
-  return "{" + shortest(first) + ", " + shortest(second) + "}";
+  return "{" + realText(first) + ", " + realText(second) + "}";
 }
 
 /// Reads a text from left to right; once something is missing, nothing more is found.

@@ -30,7 +30,7 @@ struct NSRect {
 };
 
 /// The texts "{x, y}", "{width, height}" and "{{x, y}, {width, height}}", each number in the
-/// shortest form that reads back the same. Never absent.
+/// fewest digits that read back the same. Never absent.
 KBX_PLATFORM Ref<NSString> NSStringFromPoint(NSPoint point);
 KBX_PLATFORM Ref<NSString> NSStringFromSize(NSSize size);
 KBX_PLATFORM Ref<NSString> NSStringFromRect(NSRect rect);

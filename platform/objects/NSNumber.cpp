@@ -1,6 +1,5 @@
 #include "platform/objects/NSNumber.h"
 
-#include <charconv>
 #include <cmath>
 #include <functional>
 #include <limits>
@@ -9,6 +8,7 @@
 
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSString.h"
+#include "platform/objects/RealText.h"
 
 namespace kbx {
 
@@ -95,12 +95,9 @@ double NSNumber::doubleValue() const noexcept {
 }
 
 Ref<NSString> NSNumber::description() const {
-  char text[32];
-  auto print = [&](auto value) { return std::to_chars(text, text + sizeof text, value).ptr; };
-  const char* end = _kind == Kind::Real       ? print(_value.real)
-                    : _kind == Kind::Unsigned ? print(_value.natural)
-                                              : print(_value.integer);
-  return NSString::stringWithUTF8({text, static_cast<std::size_t>(end - text)});
+  return NSString::stringByTakingUTF8(_kind == Kind::Real       ? realText(_value.real)
+                                      : _kind == Kind::Unsigned ? std::to_string(_value.natural)
+                                                                : std::to_string(_value.integer));
 }
 
 bool NSNumber::isEqual(NSObject* other) const {

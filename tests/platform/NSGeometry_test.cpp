@@ -13,6 +13,9 @@ TEST(NSGeometry, NumbersAreTheShortestThatReadBackTheSame) {
   for (auto [x, y, output] : {Case{1, 2, "{1, 2}"},
                               {0, -0.5, "{0, -0.5}"},
                               {0.1, 1.0 / 3, "{0.1, 0.3333333333333333}"},
+                              {100000, 2e6, "{100000, 2000000}"},
+                              {-1e20, 1e21, "{-100000000000000000000, 1e+21}"},
+                              {0.0001, 0.00002, "{0.0001, 2e-05}"},
                               {1e300, 123456789, "{1e+300, 123456789}"}}) {
     SCOPED_TRACE(output);
     EXPECT_EQ(text(NSStringFromPoint({x, y})), output);

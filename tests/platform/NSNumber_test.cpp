@@ -57,6 +57,7 @@ TEST(NSNumber, ValuesAreReadAsEveryKind) {
       {real(1.75), Real, true, 1, 1, 1.75, "1.75"},
       {real(-1.75), Real, true, -1, 0, -1.75, "-1.75"},
       {real(0.1), Real, true, 0, 0, 0.1, "0.1"},
+      {real(100000), Real, true, 100000, 100000, 100000, "100000"},
       {real(1e300), Real, true, kMost, kMostUnsigned, 1e300, "1e+300"},
       {real(-1e300), Real, true, kLeast, 0, -1e300, "-1e+300"},
       {real(0x1p63), Real, true, kMost, std::uint64_t{1} << 63, 0x1p63, "9223372036854775808"},

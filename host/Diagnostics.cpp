@@ -12,7 +12,10 @@ constexpr SpecialASCII kSpecialInLog("");
 void Diagnostics::failure(std::string_view path, NSString* reason) {
   std::lock_guard held(_lock);
   _output.write("ferncase: ");
-  writePath(_output, path);
+  if (path.empty())
+    _output.write("''");
+  else
+    writePath(_output, path);
   _output.write(": ");
   writeOnOneLine(_output, reason);
   _output.write('\n');

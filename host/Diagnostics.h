@@ -15,7 +15,7 @@ class Diagnostics {
  public:
   explicit Diagnostics(Output& output) : _output(output) {}
 
-  /// "ferncase: PATH: reason"; the path in bytes.
+  /// "ferncase: PATH: reason"; the path in bytes. An empty one shows as ''.
   void failure(std::string_view path, NSString* reason);
   /// "ferncase: text".
   void message(std::string_view utf8);

@@ -21,6 +21,7 @@ void prepareStandardStreams() {
     if (isClosed(descriptor) && ::open("/dev/null", wrongWay) != descriptor) ::_exit(1);
   }
   std::signal(SIGPIPE, SIG_IGN);
+  std::signal(SIGXFSZ, SIG_IGN);
 }
 
 }  // namespace kbx

@@ -19,6 +19,12 @@ TEST(Diagnostics, AFailureIsOneLineWhateverItsPathAndReasonHold) {
             "ferncase: a\\nferncase: b\\u001b[1m\\xe9.eml: no\\nwonder \\u202e\\\\\n");
 }
 
+TEST(Diagnostics, AnEmptyPathCanBeSeen) {
+  Said said;
+  said.diagnostics.failure("", "No."_ns);
+  EXPECT_EQ(said.output.text(), "ferncase: '': No.\n");
+}
+
 TEST(Diagnostics, AMessageIsOneLine) {
   Said said;
   said.diagnostics.message("unknown option --a\nb");

@@ -137,7 +137,8 @@ TEST_F(ImportCommandTest, EachBadInputIsOneErrorAndTheOthersAreDelivered) {
     EXPECT_THAT(results[0].at("error").at("description").get<std::string>(), HasSubstr(reason));
     EXPECT_EQ(textOf(results[1]), "good");
     EXPECT_EQ(exitCode, 3);
-    EXPECT_THAT(complaints, StartsWith("ferncase: " + std::string(path) + ": "));
+    const std::string shown = *path ? path : "''";
+    EXPECT_THAT(complaints, StartsWith("ferncase: " + shown + ": "));
     EXPECT_THAT(complaints, HasSubstr(reason));
     EXPECT_EQ(run({path}).exitCode, 4);
     EXPECT_EQ(run({path}).output, "");
@@ -281,6 +282,20 @@ TEST_F(ImportCommandTest, AClosedOutputIsReportedAndNoFileTakesItsPlace) {
   auto finished = command({"-"}).input(kMessage).outputTo(-1).run();
   EXPECT_EQ(finished.exitCode, 1);
   EXPECT_EQ(finished.complaints, "ferncase: standard output: Bad file descriptor\n");
+}
+
+TEST_F(ImportCommandTest, AFileThatMustNotGrowCostsItsInputAlone) {
+  _folder.write("a.eml", kMessage);
+  // The limit counts in blocks of 512 or 1024 bytes.
+  auto finished = Process({"/bin/sh", "-c", "ulimit -f 1 && exec \"$0\" \"$@\"", FERNCASE_BINARY,
+                           "import", "-", "a.eml"})
+                      .folder(_folder.path())
+                      .input(std::string(4096, 'x'))
+                      .run();
+  EXPECT_EQ(finished.exitCode, 3);
+  EXPECT_EQ(finished.complaints,
+            "ferncase: -: The file “standard-input.eml” couldn’t be saved: File too large.\n");
+  EXPECT_THAT(finished.output, HasSubstr("Good morning"));
 }
 
 /// The messages that others wrote, where they are at hand.

@@ -61,7 +61,7 @@ void ImportRun::importInput(const Input& input) {
 }
 
 Ref<NSDictionary> ImportRun::attributesOf(const Input& input, Ref<NSError>* error) {
-  if (input.path == "-") {
+  if (input.path == kStandardInputName) {
     const StandardInput copy(error);
     return copy.url() ? _importer.attributesOfFile(copy.url(), error) : nullptr;
   }

@@ -52,7 +52,7 @@ std::optional<Input> InputFiles::next() {
 std::optional<Input> InputFiles::nextArgument() {
   while (_position < _arguments.size()) {
     const std::string& path = _arguments[_position++];
-    if (!isFolder(path)) return Input{path, nullptr};
+    if (path == kStandardInputName || !isFolder(path)) return Input{path, nullptr};
     _foundNothing = true;
     if (auto input = enter(path)) return input;
     if (auto input = nextOfFolders()) return input;

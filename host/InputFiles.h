@@ -4,11 +4,15 @@
 #include <cstddef>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/objects/NSError.h"
 
 namespace kbx {
+
+/// The argument that stands for standard input, also where a folder has that name.
+inline constexpr std::string_view kStandardInputName = "-";
 
 /// A file to import, or something that turned out to be none.
 struct Input {

@@ -51,6 +51,14 @@ TEST_F(InputFilesTest, ArgumentsThatAreNoFoldersAreGivenAsTheyAre) {
               ElementsAre("missing", "letter.txt", "-", "", "a//b"));
 }
 
+TEST_F(InputFilesTest, TheNameOfStandardInputIsNeverAFolder) {
+  makeFile("-/a.eml");
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(_folder.path());
+  EXPECT_THAT(inputsOf({"-", "./-"}), ElementsAre("-", "./-/a.eml"));
+  std::filesystem::current_path(before);
+}
+
 TEST_F(InputFilesTest, NothingGivesNothing) { EXPECT_TRUE(inputsOf({}).empty()); }
 
 TEST_F(InputFilesTest, AFolderStandsForItsMessagesSortedByTheBytesOfTheirNames) {

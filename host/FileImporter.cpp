@@ -1,6 +1,7 @@
 #include "host/FileImporter.h"
 
 #include <exception>
+#include <new>
 #include <string>
 
 #include "host/FerncaseErrors.h"
@@ -41,6 +42,9 @@ Ref<NSDictionary> FileImporter::attributesOfFile(NSURL* file, Ref<NSError>* erro
       return attributes;
     }
     *error = importError(recording.lines(), _usesMailImporter ? mailImporterReason() : "");
+  } catch (const std::bad_alloc&) {
+    *error =
+        ferncaseError(FerncaseImportFailedError, "The importer failed: there isn’t enough memory.");
   } catch (const std::exception& exception) {
     *error = ferncaseError(FerncaseImportFailedError,
                            std::string("The importer failed: ") + exception.what());

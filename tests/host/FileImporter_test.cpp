@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <new>
 #include <stdexcept>
 
 #include "host/ImportLog.h"
@@ -113,6 +114,11 @@ TEST_F(FileImporterTest, AnExceptionCostsThisFileAlone) {
   EXPECT_FALSE(import([](auto...) -> bool { throw std::runtime_error("odd"); }));
   EXPECT_EQ(told(), "FerncaseErrorDomain 1 The importer failed: odd");
   EXPECT_TRUE(import([](auto...) { return true; }));
+}
+
+TEST_F(FileImporterTest, AFileThatTakesTooMuchMemoryIsToldInPlainWords) {
+  EXPECT_FALSE(import([](auto...) -> bool { throw std::bad_alloc(); }));
+  EXPECT_EQ(told(), "FerncaseErrorDomain 1 The importer failed: there isn’t enough memory.");
 }
 
 TEST_F(FileImporterTest, AMissingMailImporterIsNamedWithTheReason) {

@@ -7,6 +7,7 @@
 #include "host/Attributes.h"
 #include "host/Escaping.h"
 #include "platform/objects/NSArray.h"
+#include "platform/text/Format.h"
 
 namespace kbx {
 namespace {
@@ -64,7 +65,7 @@ void AttributeText::value(NSObject* value, std::size_t level, std::size_t column
   if (auto* text = cast<NSString>(value)) return quoted(text, column);
   auto* list = cast<NSArray>(value);
   auto* entries = cast<NSDictionary>(value);
-  if (!list && !entries) return writeOnOneLine(_output, value->description());
+  if (!list && !entries) return writeOnOneLine(_output, descriptionOf(value));
   if (level > kDeepest) return _output.write("...");
   if (list) return array(list, level);
   dictionary(entries, level);

@@ -1,10 +1,10 @@
 #include "host/JSONWriter.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
 #include "host/Attributes.h"
-#include "host/Base64.h"
 #include "host/DateText.h"
 #include "host/Escaping.h"
 #include "platform/objects/NSArray.h"
@@ -12,6 +12,8 @@
 #include "platform/objects/NSDictionary.h"
 #include "platform/objects/NSNull.h"
 #include "platform/objects/NSNumber.h"
+#include "platform/text/Base64.h"
+#include "platform/text/Format.h"
 
 namespace kbx {
 namespace {
@@ -93,8 +95,10 @@ void JSONWriter::date(NSDate* date) {
 }
 
 void JSONWriter::data(std::string_view bytes) {
+  constexpr std::size_t kPiece = 3 << 14;  // of whole groups, so that the pieces join
   token("\"");
-  writeBase64(_output, bytes);
+  for (; !bytes.empty(); bytes.remove_prefix(std::min(kPiece, bytes.size())))
+    _output.write(base64FromBytes(bytes.substr(0, kPiece)));
   _output.write('"');
 }
 
@@ -121,7 +125,7 @@ void JSONWriter::value(NSObject* object) {
   if (auto* bytes = cast<NSData>(object)) return data(bytes->view());
   if (auto* list = cast<NSArray>(object)) return array(list);
   if (auto* entries = cast<NSDictionary>(object)) return dictionary(entries);
-  string(object->description());
+  string(descriptionOf(object));
 }
 
 }  // namespace kbx

@@ -45,6 +45,18 @@ TEST(AttributeText, EachKindOfValueHasItsForm) {
     EXPECT_EQ(shown({{"n"_ns, value}}), std::string("n = ") + expected + "\n");
 }
 
+/// An object of an importer that breaks the rule about descriptions.
+class Undescribed final : public NSObject {
+ public:
+  static Ref<NSObject> make() { return Ref<NSObject>::adopt(new Undescribed); }
+  Ref<NSString> description() const override { return nullptr; }
+};
+
+TEST(AttributeText, AnAbsentDescriptionIsTextAllTheSame) {
+  auto odd = Undescribed::make();
+  EXPECT_EQ(shown({{odd, odd}}), "(null) = (null)\n");
+}
+
 TEST(AttributeText, FurtherLinesBeginInTheColumnOfTheText) {
   EXPECT_EQ(shown({{"name"_ns, "one\ntwo\n"_ns}}),
             "name = \"one\n"

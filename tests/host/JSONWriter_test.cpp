@@ -11,6 +11,7 @@
 #include "platform/objects/NSDictionary.h"
 #include "platform/objects/NSNull.h"
 #include "platform/objects/NSNumber.h"
+#include "platform/text/Base64.h"
 #include "tests/support/Text.h"
 
 namespace kbx {
@@ -116,6 +117,24 @@ TEST(JSONWriter, TheIndentedLayoutHasOneValueALine) {
             "  ],\n"
             "  \"b\": {}\n"
             "}");
+}
+
+/// An object of an importer that breaks the rule about descriptions.
+class Undescribed final : public NSObject {
+ public:
+  static Ref<NSObject> make() { return Ref<NSObject>::adopt(new Undescribed); }
+  Ref<NSString> description() const override { return nullptr; }
+};
+
+TEST(JSONWriter, AnAbsentDescriptionIsTextAllTheSame) {
+  auto odd = Undescribed::make();
+  EXPECT_EQ(written(NSDictionary::dictionaryWithPairs({{odd, odd}})), "{\"(null)\": \"(null)\"}");
+}
+
+TEST(JSONWriter, LongDataIsOneText) {
+  std::string bytes(200'001, '\0');
+  for (std::size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>(i * 7 >> 3);
+  EXPECT_EQ(written(data(bytes)), '"' + base64FromBytes(bytes) + '"');
 }
 
 TEST(JSONWriter, EndlessNestingEndsInNull) {

@@ -7,7 +7,9 @@
 #include "host/FerncaseErrors.h"
 #include "host/ImportErrors.h"
 #include "platform/files/ReadableFile.h"
+#include "platform/objects/NSData.h"
 #include "platform/objects/NSNumber.h"
+#include "platform/plugins/Bridge.h"
 #include "platform/plugins/PlugInServices.h"
 #include "platform/system/SystemRoot.h"
 
@@ -18,7 +20,17 @@ namespace {
 NSString* forceKey() { return "FoxTrot"_ns; }
 
 /// Importers answer an unreadable file with an empty text, so the host looks first.
-bool isReadable(NSURL* file, Ref<NSError>* error) { return ReadableFile(file, error).isOpen(); }
+bool canBeOpened(NSURL* file, Ref<NSError>* error) { return ReadableFile(file, error).isOpen(); }
+
+/// And last: what can be opened may yet fail while it is read.
+bool canBeRead(NSURL* file, Ref<NSError>* error) {
+  return NSData::dataWithContentsOfURL(file, NSDataReadingNone, error) != nullptr;
+}
+
+bool hasEmptyText(NSDictionary* attributes) {
+  auto* text = cast<NSString>(attributes->objectForKey(fromCF(kMDItemTextContent)));
+  return text && text->length() == 0;
+}
 
 /// Empty when nothing failed. The importer keeps the loader's reason to itself.
 std::string mailImporterReason() {
@@ -32,14 +44,15 @@ std::string mailImporterReason() {
 }  // namespace
 
 Ref<NSDictionary> FileImporter::attributesOfFile(NSURL* file, Ref<NSError>* error) {
-  if (!isReadable(file, error)) return nullptr;
+  if (!canBeOpened(file, error)) return nullptr;
   auto attributes = NSMutableDictionary::dictionary();
   if (_usesMailImporter) attributes->setObjectForKey(NSNumber::numberWithBool(true), forceKey());
   const ImportLog::Recording recording;
   try {
     if (_importer.importFile(file, attributes)) {
       attributes->removeObjectForKey(forceKey());
-      return attributes;
+      const bool isDoubtful = !_usesMailImporter && hasEmptyText(attributes);
+      return isDoubtful && !canBeRead(file, error) ? nullptr : attributes;
     }
     *error = importError(recording.lines(), _usesMailImporter ? mailImporterReason() : "");
   } catch (const std::bad_alloc&) {

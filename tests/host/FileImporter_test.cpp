@@ -3,12 +3,14 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <cerrno>
 #include <filesystem>
 #include <new>
 #include <stdexcept>
 
 #include "host/ImportLog.h"
 #include "platform/objects/NSNumber.h"
+#include "tests/support/FailingFiles.h"
 #include "tests/support/FakeEnvironment.h"
 #include "tests/support/FakeImporter.h"
 #include "tests/support/Text.h"
@@ -88,6 +90,32 @@ TEST_F(FileImporterTest, WhatCannotBeReadIsNeverGivenToTheImporter) {
     EXPECT_EQ(text(_error->domain()), "NSCocoaErrorDomain");
     EXPECT_EQ(_error->code(), code);
   }
+}
+
+TEST_F(FileImporterTest, AFileThatMayNotBeReadIsNeverGivenToTheImporter) {
+  FailingFiles files;
+  files.fail(FailingFiles::Call::Open, EACCES);
+  ScopedService<FileSystem> installed(files);
+  EXPECT_FALSE(import([](auto...) -> bool { throw std::logic_error("called"); }));
+  EXPECT_EQ(told(),
+            "NSCocoaErrorDomain 257 The file “a.eml” couldn’t be opened because you don’t have "
+            "permission.");
+}
+
+TEST_F(FileImporterTest, ARawTextIsEmptyOnlyWhereTheFileCanBeRead) {
+  auto emptyText = [](NSMutableDictionary* found, auto...) {
+    found->setObjectForKey(""_ns, "kMDItemTextContent"_ns);
+    return true;
+  };
+  EXPECT_TRUE(import(emptyText));
+  FailingFiles files;
+  files.fail(FailingFiles::Call::Read, EIO);
+  ScopedService<FileSystem> installed(files);
+  EXPECT_FALSE(import(emptyText));
+  EXPECT_EQ(told(),
+            "NSCocoaErrorDomain 256 The file “a.eml” couldn’t be opened: Input/output error.");
+  EXPECT_TRUE(import([](auto...) { return true; }));
+  EXPECT_TRUE(import(emptyText, true)) << "a message may have no text";
 }
 
 TEST_F(FileImporterTest, TheLargestFileIsGivenToTheImporter) {

@@ -55,6 +55,10 @@ TEST(NSDataKBX, AMissingCStringIsAProgrammingError) {
   RecordingLog log;
   EXPECT_EQ(reason(raisedBy([] { kbxDataWithCString(nullptr); })),
             "Precondition Failed: string at NSData+KBX:27 +kbxDataWithCString:");
+  EXPECT_EQ(reason(raisedBy([] { kbxSubdataFromCString(data("a"), nullptr); })),
+            "Precondition Failed: string at NSData+KBX:27 +kbxDataWithCString:");
+  EXPECT_EQ(reason(raisedBy([] { kbxDataByReplacingData(data("a"), nullptr, data("b")); })),
+            "Precondition Failed: data at NSData+KBX:57 -kbxRangeOfData:range:");
 }
 
 // ---- Searching ---------------------------------------------------------------------------
@@ -157,6 +161,8 @@ TEST(NSDataKBX, EveryOccurrenceIsReplacedFromLeftToRight) {
        {Case{"matches do not overlap", "aaa", "aa", "b", "ba"},
         Case{"replaced text is not searched again", "ab", "a", "aa", "aab"},
         Case{"a match at the end", "xa", "a", "b", "xb"},
+        Case{"a match at the start", "ax", "a", "", "x"},
+        Case{"the target longer than the buffer", "a", "aa", "b", "a"},
         Case{"nothing but matches", "aa", "a", "", ""}, Case{"none", "abc", "d", "e", "abc"},
         Case{"an empty buffer", "", "d", "e", ""}}) {
     SCOPED_TRACE(rule);
@@ -305,7 +311,15 @@ TEST(NSDataKBX, ASafeSubrangeOutsideIsCutAndLogged) {
 
 TEST(NSDataKBX, AnAbsentReceiverHasAbsentResults) {
   EXPECT_EQ(kbxRangeOfData(nullptr, data("a")), NSMakeRange(0, 0));
+  EXPECT_EQ(kbxRangeOfData(nullptr, nullptr, {1, 2}), NSMakeRange(0, 0));
+  EXPECT_EQ(kbxRangeOfString(nullptr, nullptr), NSMakeRange(0, 0));
   EXPECT_FALSE(kbxContainsData(nullptr, data("a")));
+  EXPECT_FALSE(kbxContainsString(nullptr, "a"_ns));
+  EXPECT_EQ(kbxSubdataStartingWithCString(nullptr, nullptr), nullptr);
+  EXPECT_EQ(kbxSubdataFromCString(nullptr, nullptr), nullptr);
+  EXPECT_EQ(kbxDataByReplacingData(nullptr, nullptr, nullptr), nullptr);
+  EXPECT_EQ(kbxDataByKeepingCharactersInSet(nullptr, nullptr), nullptr);
+  kbxAppendByte(nullptr, 1);
   EXPECT_EQ(kbxDataByNormalizingLineBreaks(nullptr), nullptr);
   EXPECT_EQ(kbxDataByDeletingFirstLine(nullptr), nullptr);
   EXPECT_EQ(kbxDataByDeletingNulls(nullptr), nullptr);

@@ -1,5 +1,8 @@
 #include "NSError+KBXDescription.h"
 
+#include <map>
+#include <random>
+
 #include "NSError+KBX.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSClass.h"
@@ -208,6 +211,103 @@ TEST(NSErrorKBXDescription, ValuesArePrintedByTheirKind) {
             "a\n    b\\nc"}}) {
     SCOPED_TRACE(rule);
     EXPECT_EQ(printed(value), output);
+  }
+}
+
+// ---- The rules, one after the other --------------------------------------------------------
+
+std::string plainFull(NSError* error);
+
+std::string replaced(std::string text, std::string_view what, std::string_view with) {
+  for (std::size_t at = 0; (at = text.find(what, at)) != text.npos; at += with.size())
+    text.replace(at, what.size(), with);
+  return text;
+}
+
+/// Each value as a text of its own, all of whose line breaks are then indented.
+std::string plain(NSObject* value) {
+  if (auto* error = cast<NSError>(value)) return plainFull(error);
+  if (!value->respondsToSelector(SEL("isKindOfClass:"))) return text(value);
+  std::string lines;
+  auto addLine = [&](const std::string& line) { lines += (lines.empty() ? "" : ",\n") + line; };
+  if (auto* array = cast<NSArray>(value)) {
+    for (const auto& element : *array) addLine(plain(element));
+    lines = "(\n" + lines + "\n)";
+  } else if (auto* dictionary = cast<NSDictionary>(value)) {
+    std::map<std::string, std::string> sorted;
+    for (const auto& [key, entry] : *dictionary) sorted[text(key)] = plain(entry);
+    for (const auto& [key, entry] : sorted) addLine(key + " = " + entry);
+    lines = "{\n" + lines + "\n}";
+  } else if (cast<NSString>(value)) {
+    lines = '"' + text(value) + '"';
+  } else {
+    lines = replaced(text(value), "\\n", "\n");
+  }
+  return replaced(lines, "\n", "\n    ");
+}
+
+std::string plainFull(NSError* error) {
+  auto info = error->userInfo()->mutableCopy();
+  if (auto* cause = cast<NSError>(info->objectForKey(NSUnderlyingErrorKey())))
+    info->setObjectForKey(string(plainFull(cause)), NSUnderlyingErrorKey());
+  return "<NSError Domain=" + text(error->domain()) + " Code=" + std::to_string(error->code()) +
+         " UserInfo=" + plain(info) + ">";
+}
+
+/// Values of every kind in one another, each with a description.
+class Values {
+ public:
+  Ref<NSObject> any(unsigned depth) {
+    switch (_random() % (depth ? 9 : 5)) {
+      case 0:
+        return NSNumber::numberWithInteger(static_cast<std::int64_t>(_random() % 100));
+      case 1:
+        return Described::make(someText());
+      case 2:
+        return Foreign::make(someText());
+      case 3:
+      case 4:
+        return someText();
+      case 5:
+        return error(depth - 1);
+      case 6:
+        return dictionary(depth - 1);
+      default:
+        return array(depth - 1);
+    }
+  }
+  Ref<NSError> error(unsigned depth) {
+    auto info = dictionary(depth);
+    info->setObjectForKey("text"_ns, NSLocalizedDescriptionKey());
+    if (depth && _random() % 2) info->setObjectForKey(error(depth - 1), NSUnderlyingErrorKey());
+    return NSError::errorWithDomain(someText(), 1, info);
+  }
+
+ private:
+  Ref<NSMutableDictionary> dictionary(unsigned depth) {
+    auto made = NSMutableDictionary::dictionary();
+    for (auto left = _random() % 4; left; --left) made->setObjectForKey(any(depth), someText());
+    return made;
+  }
+  Ref<NSObject> array(unsigned depth) {
+    auto made = NSMutableArray::array();
+    for (auto left = _random() % 4 + 1; left; --left) made->addObject(any(depth));
+    return made;
+  }
+  Ref<NSString> someText() {
+    std::string made;
+    for (auto left = _random() % 6 + 1; left; --left) made += "a\\n\n\" "[_random() % 6];
+    return string(made);
+  }
+
+  std::mt19937 _random{7};
+};
+
+TEST(NSErrorKBXDescription, AnyValuesArePrintedByTheRules) {
+  Values values;
+  for (int round = 0; round < 2000; ++round) {
+    auto error = values.error(4);
+    ASSERT_EQ(text(kbxFullDescription(error)), plainFull(error));
   }
 }
 

@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "host/CommandLine.h"
+#include "host/PrivateFiles.h"
 #include "host/StandardStreams.h"
 #include "platform/objects/NSError.h"
 
@@ -22,6 +23,7 @@ kbx::ExitCode finish(kbx::Console& console, kbx::ExitCode code) {
 
 int main(int argc, char** argv) {
   kbx::prepareStandardStreams();
+  kbx::keepNewFilesPrivate();
   kbx::DescriptorOutput output(kbx::kStandardOutput);
   kbx::DescriptorOutput complaints(kbx::kStandardError);
   kbx::Diagnostics diagnostics(complaints);

@@ -284,6 +284,22 @@ TEST_F(ImportCommandTest, AClosedOutputIsReportedAndNoFileTakesItsPlace) {
   EXPECT_EQ(finished.complaints, "ferncase: standard output: Bad file descriptor\n");
 }
 
+TEST_F(ImportCommandTest, WhatIsLeftBehindIsTheUsersAlone) {
+  // A foreign exception leaves the copy that was made for the mail importer.
+  _folder.write("a.eml", "Subject: x\nX-Test: throw\n\n");
+  auto finished = command({"--force", "--importer", kImporter, "a.eml"})
+                      .folder(_folder.path())
+                      .variable("KBX_SYSTEM_ROOT=" FERNCASE_BUNDLES_DIR "/root")
+                      .run();
+  EXPECT_EQ(finished.exitCode, 4);
+  ASSERT_EQ(_folder.count(), 2u);
+  for (const auto& entry : std::filesystem::directory_iterator(_folder.path())) {
+    if (entry.path().filename() == "a.eml") continue;
+    using std::filesystem::perms;
+    EXPECT_EQ(entry.status().permissions(), perms::owner_read | perms::owner_write);
+  }
+}
+
 TEST_F(ImportCommandTest, AFileThatMustNotGrowCostsItsInputAlone) {
   _folder.write("a.eml", kMessage);
   // The limit counts in blocks of 512 or 1024 bytes.

@@ -29,6 +29,11 @@ std::size_t WorkerPool::threadCount() {
   return _threads;
 }
 
+std::size_t WorkerPool::idleThreadCount() {
+  std::lock_guard held(_guard);
+  return _idleThreads;
+}
+
 void WorkerPool::startThread() {
   try {
     std::thread([this] { work(); }).detach();

@@ -30,6 +30,8 @@ class KBX_PLATFORM WorkerPool {
 
   /// How many threads there are now.
   std::size_t threadCount();
+  /// How many of them wait for a block.
+  std::size_t idleThreadCount();
 
  private:
   void startThread();

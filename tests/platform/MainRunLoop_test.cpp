@@ -9,6 +9,7 @@
 #include <string>
 #include <thread>
 
+#include "platform/text/Format.h"
 #include "platform/threads/NSRunLoop.h"
 #include "platform/threads/NSThread.h"
 #include "tests/support/RaisedBy.h"
@@ -79,7 +80,8 @@ TEST(MainRunLoop, ABlockWaitsForItsMode) {
 }
 
 TEST(MainRunLoop, AModeCanBecomeACommonOne) {
-  NSString* mode = "TestModeMadeCommon"_ns;
+  static int number = 0;  // it is one for good, also when the test is repeated
+  auto mode = stringWithFormat("TestModeMadeCommon%d"_ns, ++number);
   std::string order;
   performInCommonModes([&] { order += 'c'; });
   dispatch_async(dispatch_get_main_queue(), [&] { order += 'q'; });

@@ -8,6 +8,7 @@
 #include <thread>
 #include <vector>
 
+#include "platform/objects/NSClass.h"
 #include "platform/objects/NSException.h"
 #include "platform/objects/NSNumber.h"
 #include "platform/threads/NSThread.h"
@@ -162,27 +163,69 @@ TEST(NSMutableDictionaryKBXFillerBlocks, AMainThreadFillerMayUseTheDictionaryOfT
   EXPECT_EQ(text(dictionary->objectForKey("other"_ns)), "2");
 }
 
-TEST(NSMutableDictionaryKBXFillerBlocks, TheSynchronizedFormsWaitForTheLockAndTheOthersDoNot) {
+/// A key, equal to itself alone, that sees whether several threads are inside the dictionary.
+class WatchedKey final : public NSObject {
+  KBX_OBJECT(WatchedKey, NSObject)
+ public:
+  struct Watch {
+    std::atomic<int> inside{0};
+    std::atomic<int> meetings{0};
+  };
+  static Ref<WatchedKey> keyWithWatch(Watch& watch) {
+    return Ref<WatchedKey>::adopt(new WatchedKey(watch));
+  }
+  bool isEqual(NSObject* other) const override {
+    look();
+    return this == other;
+  }
+  std::size_t hash() const override {
+    look();
+    return 1;
+  }
+
+ private:
+  explicit WatchedKey(Watch& watch) : _watch(watch) {}
+  void look() const {
+    ++_watch.inside;
+    for (int i = 0; i < 20; ++i) {
+      if (_watch.inside > 1) ++_watch.meetings;
+      std::this_thread::yield();
+    }
+    --_watch.inside;
+  }
+
+  Watch& _watch;
+};
+
+KBX_CLASS(WatchedKey)
+
+TEST(NSMutableDictionaryKBXFillerBlocks, ThreadsNeverMeetInsideASynchronizedDictionary) {
   for (const auto& form : forms()) {
-    if (form.isOnMainThread) continue;
+    if (!form.isSynchronized) continue;
+    SCOPED_TRACE(form.selector);
+    WatchedKey::Watch watch;
+    auto dictionary = NSMutableDictionary::dictionary();
+    dictionary->setObjectForKey(number(0), WatchedKey::keyWithWatch(watch));
+    serveThreads(8, [&](int) {
+      for (int i = 0; i < 5; ++i)
+        form.call(dictionary, WatchedKey::keyWithWatch(watch), [] { return number(1); });
+    });
+    EXPECT_EQ(watch.meetings, 0);
+    EXPECT_EQ(dictionary->count(), 41U);
+  }
+}
+
+TEST(NSMutableDictionaryKBXFillerBlocks, TheOtherFormsTakeNoLock) {
+  for (const auto& form : forms()) {
+    if (form.isSynchronized || form.isOnMainThread) continue;
     SCOPED_TRACE(form.selector);
     auto dictionary = NSMutableDictionary::dictionary();
-    dictionary->setObjectForKey(number(1), key());
-    std::atomic<bool> isHeld{true};
-    bool wasHeld = false;
-    auto look = [&, &run = form.call] {
+    Synchronized lock(dictionary);
+    std::thread([&, &run = form.call] {  // would never end
       run(dictionary, key(), [] { return number(2); });
-      wasHeld = isHeld;
-    };
-    std::thread other;
-    {
-      Synchronized lock(dictionary);
-      other = std::thread(look);
-      if (!form.isSynchronized) other.join();
-      isHeld = false;
-    }
-    if (form.isSynchronized) other.join();
-    EXPECT_EQ(wasHeld, !form.isSynchronized);
+    })
+        .join();
+    EXPECT_EQ(dictionary->count(), 1U);
   }
 }
 

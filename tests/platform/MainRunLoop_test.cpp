@@ -169,6 +169,16 @@ TEST(MainRunLoop, ARunMayEndWithTheFirstBlocksOfTheMainQueue) {
       << "a performed block is no source";
 }
 
+TEST(MainRunLoop, TheMainQueueWaitsForACommonMode) {
+  std::string order;
+  dispatch_async(dispatch_get_main_queue(), [&] { order += 'q'; });
+  perform(ownMode(), [&] { order += 'o'; });
+  runOnce(ownMode());
+  EXPECT_EQ(order, "o");
+  runOnce(defaultMode());
+  EXPECT_EQ(order, "oq");
+}
+
 TEST(MainRunLoop, WhatIsQueuedByTheMainQueueRunsInTheSamePass) {
   bool hasRun = false;
   dispatch_async(dispatch_get_main_queue(), [&] { performInCommonModes([&] { hasRun = true; }); });

@@ -8,6 +8,8 @@
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
+#include <vector>
 
 #include "KBXException.h"
 #include "platform/threads/DispatchSemaphore.h"
@@ -119,6 +121,31 @@ TEST(KBXPerformBlockOnMainThread, AnExceptionThatIsThereAlreadyIsRaisedOnTheCall
 TEST(KBXPerformBlockOnMainThread, AnyOtherExceptionLeavesWhoeverRunsTheLoop) {
   KBXPerformBlockOnMainThread([] { throw std::runtime_error("foreign"); });
   EXPECT_THROW(runMainThreadOnce(), std::runtime_error);
+}
+
+/// A main thread that runs each block beside whoever queues it.
+class RunLoopBesideTheCaller final : public MainRunLoop {
+ public:
+  void performBlock(NSString*, dispatch_block_t block) override {
+    _threads.emplace_back(std::move(block));
+  }
+  void wakeUp() override {}
+  void stop() override {}
+  void addCommonMode(NSString*) override {}
+  CFRunLoopRunResult runInMode(NSString*, double, bool) override { return kCFRunLoopRunFinished; }
+
+ private:
+  std::vector<std::jthread> _threads;
+  ScopedService<MainRunLoop> _installed{*this};
+};
+
+TEST(KBXPerformBlockOnMainThread, TheCallerMayLookWhileTheBlockRaises) {
+  RunLoopBesideTheCaller loop;
+  auto exception = anException();
+  for (int i = 0; i < 20; ++i) {
+    auto raised = raisedBy([&] { KBXPerformBlockOnMainThread([=] { exception->raise(); }); });
+    EXPECT_TRUE(!raised || isSame(raised, exception));
+  }
 }
 
 TEST(KBXPerformBlockOnMainThread, ManyThreadsMayQueueBlocksThatRaiseWhileTheyLook) {

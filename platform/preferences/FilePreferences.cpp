@@ -8,6 +8,7 @@
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSNull.h"
 #include "platform/preferences/PreferencesFolder.h"
+#include "platform/propertylists/NSPropertyListSerialization.h"
 #include "platform/system/SystemMessages.h"
 
 namespace kbx {
@@ -25,6 +26,18 @@ void apply(NSMutableDictionary* values, NSDictionary* changes) {
       values->removeObjectForKey(key);
     else
       values->setObjectForKey(value, key);
+}
+
+/// Whether both are absent or hold the same values, of the same kinds: as objects 1, 1.0 and true
+/// are equal.
+bool isSameList(NSDictionary* first, NSDictionary* second) {
+  if (!first || !second) return !first && !second;
+  if (!isEqual(first, second)) return false;
+  const auto bytes = [](NSDictionary* values) {
+    return NSPropertyListSerialization::dataWithPropertyList(
+        values, NSPropertyListBinaryFormat_v1_0, 0, nullptr);
+  };
+  return isEqual(bytes(first), bytes(second));
 }
 
 }  // namespace
@@ -110,7 +123,7 @@ bool FilePreferences::storeLocked(const std::string& path, Domain& domain, Compl
     bool isAside = false;
     complaints.add(file.setAside(&isAside));
     if (!isAside) return false;
-  } else if (domain.values ? isEqual(domain.values, domain.stored) : !domain.stored) {
+  } else if (isSameList(domain.values, domain.stored)) {
     return true;
   }
   auto complaint = file.write(domain.values);

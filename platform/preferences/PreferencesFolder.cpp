@@ -9,11 +9,14 @@ namespace {
 
 constexpr char kFolder[] = "/ferncase/preferences";
 
-/// The value of a variable that names an absolute path; others count for nothing.
+/// The value of a variable that names an absolute path; any other counts for nothing. The first
+/// entry of a name is the variable, as for everybody else.
 std::optional<std::string> pathIn(std::string_view variable) {
   const std::string start = std::string(variable) + "=";
   for (const auto& entry : Environment::current().variables())
-    if (entry.starts_with(start + "/")) return entry.substr(start.size());
+    if (entry.starts_with(start))
+      return entry.starts_with(start + "/") ? std::optional(entry.substr(start.size()))
+                                            : std::nullopt;
   return std::nullopt;
 }
 

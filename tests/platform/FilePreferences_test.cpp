@@ -131,6 +131,15 @@ TEST_F(FilePreferencesTest, AFileThatNeedsNoChangeIsNotWritten) {
   EXPECT_EQ(file("d.plist"), "<dict><key>a</key><string>1</string></dict>");
 }
 
+TEST_F(FilePreferencesTest, AnotherKindOfAnEqualNumberIsStored) {
+  const Ref<NSNumber> kinds[] = {NSNumber::numberWithInteger(1), NSNumber::numberWithBool(true),
+                                 NSNumber::numberWithDouble(1), NSNumber::numberWithInteger(1)};
+  for (const auto& number : kinds) {
+    EXPECT_TRUE(process().change("d"_ns, pair("a"_ns, number)));
+    EXPECT_EQ(file("d.plist"), test::written(pair("a"_ns, number), test::kXML));
+  }
+}
+
 TEST_F(FilePreferencesTest, WhatXMLCannotHoldGoesIntoABinaryFile) {
   EXPECT_TRUE(process().change("d"_ns, pair("a"_ns, "\x01"_ns)));
   EXPECT_TRUE(file("d.plist").starts_with("bplist00"));

@@ -24,6 +24,13 @@ TEST(PreferencesFolder, APathThatIsNotAbsoluteCountsForNothing) {
   EXPECT_EQ(folderIn({}), "none");
 }
 
+TEST(PreferencesFolder, TheFirstEntryOfAVariableCounts) {
+  EXPECT_EQ(folderIn({"HOME=/h", "HOME=/other"}), "/h/.config/ferncase/preferences");
+  EXPECT_EQ(folderIn({"HOME=", "HOME=/other"}), "none");
+  EXPECT_EQ(folderIn({"XDG_CONFIG_HOME=", "HOME=/h", "XDG_CONFIG_HOME=/c"}),
+            "/h/.config/ferncase/preferences");
+}
+
 TEST(PreferencesFolder, NoDomainLeadsOutOfTheFolder) {
   struct Case {
     const char *domain, *file;

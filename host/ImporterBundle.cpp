@@ -2,6 +2,7 @@
 
 #include "platform/plugins/Bridge.h"
 #include "platform/plugins/PlugInServices.h"
+#include "platform/preferences/Preferences.h"
 
 namespace kbx {
 
@@ -17,10 +18,18 @@ std::unique_ptr<ImporterBundle> ImporterBundle::load(NSURL* bundle, std::string*
 bool ImporterBundle::makeInstance() {
   auto factories =
       adoptCF(CFPlugInFindFactoriesForPlugInTypeInPlugIn(kMDImporterTypeID, toCF(_plugIn.get())));
-  if (!factories) return false;
+  if (!factories || factories->count() == 0) return false;
+  setUpLogging();
   for (const auto& factory : *factories)
     if (useFactory(factory)) return true;
   return false;
+}
+
+void ImporterBundle::setUpLogging() {
+  using SetUpLogging = void (*)(CFStringRef persistentDomainName);
+  std::string ignored;  // many importers have no such function
+  auto function = _plugIn->function("MetadataImporterSetUpLogging", &ignored);
+  if (function) reinterpret_cast<SetUpLogging>(function)(toCF(applicationDomainName()));
 }
 
 bool ImporterBundle::useFactory(NSObject* factory) {

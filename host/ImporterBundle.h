@@ -16,6 +16,9 @@ namespace kbx {
 class ImporterBundle {
  public:
   /// Absent when the bundle gives no importer; then the reason says why, in UTF-8 but for paths.
+  ///
+  /// A bundle that logs (docs/logging.md) is told first to do so as the program's own domain of the
+  /// user's defaults says at this moment.
   static std::unique_ptr<ImporterBundle> load(NSURL* bundle, std::string* reason);
 
   /// Lets the importer add what it finds out about a file, and answers what it answers.
@@ -36,6 +39,7 @@ class ImporterBundle {
 
   ImporterBundle() = default;
   bool makeInstance();
+  void setUpLogging();
   bool useFactory(NSObject* factory);
   template <class Interface>
   static Owned<Interface> query(IUnknownVTbl** instance, CFUUIDRef identifier);

@@ -31,12 +31,12 @@ void* PlugIn::open(std::string* reason) {
   return earlier;
 }
 
-CFPlugInFactoryFunction PlugIn::function(const std::string& name, std::string* reason) {
+PlugIn::Function PlugIn::function(const std::string& name, std::string* reason) {
   void* executable = open(reason);
   if (!executable) return nullptr;
   void* function = executableFunction(executable, name);
   if (!function) *reason = "the executable has no function " + name;
-  return reinterpret_cast<CFPlugInFactoryFunction>(function);
+  return reinterpret_cast<Function>(function);
 }
 
 Ref<NSString> PlugIn::description() const {

@@ -16,12 +16,15 @@ class PlugInLoader;
 class KBX_PLATFORM PlugIn final : public NSObject {
   KBX_OBJECT(PlugIn, NSObject)
  public:
+  /// A function of a type that only the caller knows.
+  using Function = void (*)();
+
   /// The bundle's folder, absolute, links followed.
   const std::string& path() const noexcept { return _path; }
   const PlugInDeclaration& declaration() const noexcept { return _declaration; }
   /// The exported function of that name; opens the executable when it is not open yet. Null, with
   /// the reason, when there is no executable, when it cannot be opened, or without the function.
-  CFPlugInFactoryFunction function(const std::string& name, std::string* reason);
+  Function function(const std::string& name, std::string* reason);
 
   /// The class and the path.
   Ref<NSString> description() const override;

@@ -37,7 +37,7 @@ void* makeInstance(PlugIn* plugIn, NSUUID* factory, NSUUID* type, std::string* r
     return nullptr;
   }
   const std::string& name = plugIn->declaration().factory(factory)->function;
-  auto function = plugIn->function(name, reason);
+  auto function = reinterpret_cast<CFPlugInFactoryFunction>(plugIn->function(name, reason));
   if (!function) return nullptr;
   void* instance = function(kCFAllocatorDefault, toCF(type));
   if (!instance) *reason = "the factory function " + name + " made no instance";

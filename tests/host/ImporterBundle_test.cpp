@@ -33,6 +33,17 @@ TEST(ImporterBundle, TheInterfaceForPathsServesWhereThereIsNoOther) {
   EXPECT_EQ(attribute(attributes, "LegacyContentType"_ns), "com.apple.mail.email");
 }
 
+TEST(ImporterBundle, TheInterfaceForPathsIsAskedForOnlyWhereThereIsNoOther) {
+  // An instance may have one place for both import functions, which the last question fills.
+  std::string reason;
+  auto importer = ImporterBundle::load(testBundle("Recorder"), &reason);
+  ASSERT_TRUE(importer) << reason;
+  TemporaryFolder folder;
+  auto attributes = NSMutableDictionary::dictionary();
+  EXPECT_TRUE(importer->importFile(folder.write("a.eml", ""), attributes));
+  EXPECT_EQ(attribute(attributes, "kMDItemTextContent"_ns), " URL");
+}
+
 TEST(ImporterBundle, OneInstanceServesManyFiles) {
   int calls = 0;
   FakeImporter fake([&](auto...) { return ++calls < 3; });

@@ -19,6 +19,7 @@ namespace kbx {
 enum ExitCode : int {
   kDone = 0,
   kBroken = 1,  // the output cannot be written, or something that should never happen
+  kUndone = 1,  // what was asked for is not there, or cannot be stored
   kMisused = 2,
   kSomeFailed = 3,
   kNoneDelivered = 4,
@@ -48,6 +49,11 @@ class Command {
   virtual std::string_view operands() const = 0;
   /// What stands below the options in the help.
   virtual std::string_view notes() const { return {}; }
+  /// Whether words that begin with a dash and are no options go to run(), too. Otherwise they are
+  /// refused.
+  virtual bool readsDashedWords() const { return false; }
+  /// Whether "-Key value" sets a default for this run (docs/preferences.md).
+  virtual bool takesDefaults() const { return false; }
   virtual void declareOptions(CLI::App& options) = 0;
   /// operands  what is left of the command line without the options, in bytes
   ///

@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <memory>
 
+#include "host/DefaultsCommand.h"
 #include "host/ImportCommand.h"
+#include "platform/preferences/NSUserDefaults.h"
 
 namespace kbx {
 namespace {
@@ -13,6 +15,7 @@ using MakeCommand = std::unique_ptr<Command> (*)();
 
 constexpr MakeCommand kCommands[] = {
     makeImportCommand,
+    makeDefaultsCommand,
 };
 
 constexpr char kVersion[] = "ferncase " FERNCASE_VERSION "\n";
@@ -53,15 +56,37 @@ std::unique_ptr<Command> commandNamed(std::string_view name) {
   return nullptr;
 }
 
+/// Options are of one small letter or have two dashes, so what begins like this is a default's key.
+bool isDefaultsKey(const std::string& word) {
+  return word.size() > 2 && word[0] == '-' && word[1] >= 'A' && word[1] <= 'Z';
+}
+
+/// Takes the pairs "-Key value" away and puts them into the argument domain.
+void takeDefaults(std::vector<std::string>& arguments) {
+  std::vector<std::string> pairs, others;
+  auto word = arguments.begin();
+  for (; word != arguments.end() && *word != "--"; ++word) {
+    const bool isKey = isDefaultsKey(*word);
+    auto& list = isKey ? pairs : others;
+    list.push_back(std::move(*word));
+    if (!isKey) continue;
+    if (++word == arguments.end()) throw UsageError(pairs.back() + " needs a value");
+    pairs.push_back(std::move(*word));
+  }
+  others.insert(others.end(), word, arguments.end());
+  arguments = std::move(others);
+  NSUserDefaults::setArguments(pairs);
+}
+
 /// What the parser could not place: the operands. The parser's own lists of operands take brackets
 /// apart, which file names may well have.
-std::vector<std::string> operandsOf(const CLI::App& options) {
+std::vector<std::string> operandsOf(const CLI::App& options, bool withDashes) {
   std::vector<std::string> operands;
   bool isBehindMark = false;
   for (auto& word : options.remaining()) {
     if (!isBehindMark && word == "--")
       isBehindMark = true;
-    else if (!isBehindMark && word.size() > 1 && word.starts_with('-'))
+    else if (!isBehindMark && !withDashes && word.size() > 1 && word.starts_with('-'))
       throw UsageError("unknown option " + word);
     else
       operands.push_back(std::move(word));
@@ -78,6 +103,7 @@ ExitCode parseAndRun(Command& command, std::vector<std::string> arguments, Conso
   options.footer(std::string(command.notes()));
   options.allow_extras();
   command.declareOptions(options);
+  if (command.takesDefaults()) takeDefaults(arguments);
   std::ranges::reverse(arguments);  // the parser takes them from the end
   try {
     options.parse(std::move(arguments));
@@ -87,7 +113,7 @@ ExitCode parseAndRun(Command& command, std::vector<std::string> arguments, Conso
   } catch (const CLI::ParseError& error) {
     throw UsageError(error.what());
   }
-  return command.run(operandsOf(options), console);
+  return command.run(operandsOf(options, command.readsDashedWords()), console);
 }
 
 ExitCode complain(Console& console, std::string_view command, std::string_view what) {

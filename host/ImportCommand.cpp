@@ -79,6 +79,7 @@ class ImportCommand final : public Command {
   }
   std::string_view operands() const override { return "PATH..."; }
   std::string_view notes() const override;
+  bool takesDefaults() const override { return true; }
   void declareOptions(CLI::App& options) override;
   ExitCode run(std::vector<std::string> operands, Console& console) override;
 
@@ -95,6 +96,8 @@ std::string_view ImportCommand::notes() const {
   return "A folder stands for the .eml files in it and in the folders inside it. - reads a "
          "message\n"
          "from standard input. -- ends the options.\n"
+         "\n"
+         "-Key VALUE sets one of the user's defaults for this run.\n"
          "\n"
          "Exit codes: 0 done, 1 output cannot be written, 2 wrong usage, 3 some inputs failed,\n"
          "4 none was delivered.";

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/TemporaryPreferences.h"
+#include "tests/support/Text.h"
+
 namespace kbx {
 namespace {
 
@@ -30,6 +33,19 @@ TEST(CommandLine, HelpThatIsAskedForIsOutput) {
 
 TEST(CommandLine, TheGeneralHelpListsTheCommands) {
   EXPECT_NE(run({"--help"}).output.find("\n  import      Print"), std::string::npos);
+  EXPECT_NE(run({"--help"}).output.find("\n  defaults    Read"), std::string::npos);
+}
+
+TEST(CommandLine, ADashAndACapitalLetterBeginADefaultOfThisRun) {
+  TemporaryPreferences preferences;
+  auto* defaults = NSUserDefaults::standardUserDefaults();
+  run({"import", "-First", "-5", "-v", "-Second", "two words", "--importer", "/gone", "a", "--",
+       "-Third", "x"});
+  EXPECT_EQ(defaults->integerForKey("First"_ns), -5);
+  EXPECT_EQ(text(defaults->stringForKey("Second"_ns)), "two words");
+  EXPECT_EQ(defaults->volatileDomainForName(NSArgumentDomain())->count(), 2u);
+  run({"import", "--importer", "/gone", "a"});
+  EXPECT_FALSE(defaults->objectForKey("First"_ns));
 }
 
 TEST(CommandLine, TheVersionIsOneLine) {
@@ -61,6 +77,11 @@ TEST(CommandLine, WrongUsageIsToldWithAHint) {
         {{"import", "--frob", "a"}, "unknown option --frob", "import --help"},
         {{"import", "a", "-x"}, "unknown option -x", "import --help"},
         {{"import", "-vx", "a"}, "unknown option -x", "import --help"},
+        {{"import", "-V", "a"}, "unknown option -V", "import --help"},
+        {{"import", "a", "-Key"}, "-Key needs a value", "import --help"},
+        {{"defaults", "frob"},
+         "defaults cannot frob: it can read, write and delete",
+         "defaults --help"},
         {{"import", "--importer"}, "--importer: 1 required BUNDLE missing", "import --help"},
         {{"import", "--importer", "", "a"}, "--importer needs a BUNDLE", "import --help"},
         {{"import", "--json", "--ndjson", "a"},

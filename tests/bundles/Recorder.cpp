@@ -10,7 +10,7 @@ using namespace kbx;
 
 namespace {
 
-constexpr LogSite kSite("tests/bundles/Recorder", 1, "import");
+constexpr LogSite kSite("tests/bundles/Recorder", 1, "Recorder");
 
 // Of the one instance that a test makes at a time.
 std::string questions;
@@ -38,6 +38,7 @@ Boolean import(void*, CFMutableDictionaryRef attributes, CFStringRef, CFURLRef) 
 
 TEST_BUNDLE_EXPORT void* RecorderFactory(CFAllocatorRef, CFUUIDRef) {
   questions.clear();
+  KBX_LOG_AREA("RecorderArea", kSite, "made"_ns);
   Instance* instance = makeInstance(
       CFUUIDCreateFromString(kCFAllocatorDefault, CFSTR("6A0D4F5B-93C7-4E21-8C1F-0C9E3B1B6D07")),
       import);

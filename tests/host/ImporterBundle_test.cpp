@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/preferences/Preferences.h"
 #include "tests/support/FakeImporter.h"
 #include "tests/support/Text.h"
 
@@ -42,6 +43,32 @@ TEST(ImporterBundle, TheInterfaceForPathsIsAskedForOnlyWhereThereIsNoOther) {
   auto attributes = NSMutableDictionary::dictionary();
   EXPECT_TRUE(importer->importFile(folder.write("a.eml", ""), attributes));
   EXPECT_EQ(attribute(attributes, "kMDItemTextContent"_ns), " URL");
+}
+
+/// Notes which domains are asked for.
+class NotingPreferences final : public Preferences {
+ public:
+  Ref<NSDictionary> domain(NSString* name) override {
+    asked.push_back(text(name));
+    return nullptr;
+  }
+
+  std::vector<std::string> asked;
+};
+
+TEST(ImporterBundle, TheDefaultsOfLoggingAreReadOnceHoweverManyFilesThereAre) {
+  NotingPreferences preferences;
+  ScopedService<Preferences> installed(preferences);
+  std::string reason;
+  auto importer = ImporterBundle::load(testBundle("Recorder"), &reason);
+  ASSERT_TRUE(importer) << reason;
+  const std::vector<std::string> once{"ferncase"};
+  EXPECT_EQ(preferences.asked, once);
+  TemporaryFolder folder;
+  auto file = folder.write("a.eml", "");
+  for (int i = 0; i < 3; ++i)
+    EXPECT_TRUE(importer->importFile(file, NSMutableDictionary::dictionary()));
+  EXPECT_EQ(preferences.asked, once);
 }
 
 TEST(ImporterBundle, OneInstanceServesManyFiles) {

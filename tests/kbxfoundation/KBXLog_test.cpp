@@ -3,7 +3,10 @@
 #include <gmock/gmock.h>
 
 #include "platform/objects/NSNumber.h"
+#include "tests/support/FakeOperatingSystem.h"
 #include "tests/support/RecordingLog.h"
+#include "tests/support/RecordingUnifiedLog.h"
+#include "tests/support/StandardErrorCapture.h"
 #include "tests/support/Text.h"
 
 namespace kbx {
@@ -146,6 +149,18 @@ TEST_F(KBXLog, TestAndMessageUseTheSameLogger) {
   setShared({{"KBXLogTestArea"_ns, yes}, {"KBXLoggerPrefix"_ns, "Old"_ns}});
   KBX_LOG_AREA("KBXLogTestArea", kSite, "%@"_ns, replacing());
   EXPECT_THAT(log.lines(), ElementsAre("Old [KBXLogTestArea] abc"));
+}
+
+TEST_F(KBXLog, AMessageAsksForTheSharedLoggerOnce) {
+  // Without a shared logger each question makes a logger, with a writer and its general handle.
+  FakeOperatingSystem system;
+  ScopedService<OperatingSystem> installed(system);
+  RecordingUnifiedLog unified;
+  StandardErrorCapture quiet;
+  logWithoutArea();
+  EXPECT_THAT(unified.created(), ElementsAre("KBXLogger"));
+  logInArea();
+  EXPECT_THAT(unified.created(), ElementsAre("KBXLogger", "KBXLogger", "KBXLogger.KBXLogTestArea"));
 }
 
 TEST_F(KBXLog, ASiteFitsWhereAStatementDoes) {

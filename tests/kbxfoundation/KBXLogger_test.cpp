@@ -5,8 +5,10 @@
 #include <thread>
 
 #include "platform/objects/NSArray.h"
+#include "platform/objects/NSClass.h"
 #include "platform/objects/NSNumber.h"
 #include "platform/threads/NSThread.h"
+#include "platform/threads/Synchronized.h"
 #include "tests/support/FakeEnvironment.h"
 #include "tests/support/FakeOperatingSystem.h"
 #include "tests/support/RaisedBy.h"
@@ -432,6 +434,13 @@ TEST(KBXLogger, ADisposableLoggerHasEveryAreaOn) {
   EXPECT_EQ(line(disposable, "Parser"_ns), "[Parser] abc");
 }
 
+TEST(KBXLogger, ADisposableLoggerKnowsNoDefaults) {
+  TemporaryPreferences preferences;
+  for (NSString* domain : {applicationDomainName(), NSGlobalDomain()})
+    setDomain(domain, "KBXLoggerPrefix"_ns, "Stored"_ns);
+  EXPECT_EQ(line(KBXLogger::initDisposableLogger(), "Parser"_ns), "[Parser] abc");
+}
+
 TEST(KBXLogger, LaterChangesOfTheDefaultsNeedANewLogger) {
   TemporaryPreferences preferences;
   auto before = KBXLogger::init();
@@ -447,6 +456,25 @@ TEST_F(SharedKBXLogger, BeforeOneIsSetEveryCallGivesANewDisposableOne) {
   EXPECT_FALSE(isSame(first, second));
   EXPECT_TRUE(first->isEnabledForArea("Parser"_ns));
   EXPECT_TRUE(second->isEnabledForArea("Parser"_ns));
+}
+
+TEST_F(SharedKBXLogger, BeforeOneIsSetTheWriterIsChosenInEveryCall) {
+  RecordingUnifiedLog unified;
+  FakeOperatingSystem system;
+  ScopedService<OperatingSystem> installed(system);
+  for (bool isThere : {true, false, true}) {
+    unified.isThere = isThere;
+    const std::size_t before = unified.created().size();
+    KBXLogger::sharedLogger();
+    EXPECT_EQ(unified.created().size() - before, isThere ? 1u : 0u);
+  }
+}
+
+TEST_F(SharedKBXLogger, TheLockOfTheClassMayBeHeldByTheCaller) {
+  Synchronized lock(KBXLogger::classObject());
+  auto first = logger();
+  KBXLogger::setSharedLogger(first);
+  EXPECT_TRUE(isSame(KBXLogger::sharedLogger(), first));
 }
 
 TEST_F(SharedKBXLogger, TheLastOneSetIsGiven) {

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <cstdio>
 #include <limits>
 
 #include "platform/objects/NSClass.h"
@@ -207,6 +208,25 @@ TEST_F(KBXOSLogWriterTest, AnEntryGoesToTheHandleOfItsAreaAndToStandardError) {
   EXPECT_THAT(log.entries(),
               ElementsAre(Entry{"org.ferncase.Host", "KBXLogger.Parser", "[Parser] abc"}));
   EXPECT_EQ(standardError(), momentText() + " [org.ferncase.Host] [Parser] abc\n");
+}
+
+/// A log whose handles write to standard error as well.
+class ShowingLog final : public UnifiedLog {
+ public:
+  bool isAvailable() override { return true; }
+  Ref<OSLog> create(NSString*, NSString*) override { return Ref<OSLog>::adopt(new Handle); }
+
+ private:
+  class Handle final : public OSLog {
+    void writeError(const char* text) override { std::fprintf(stderr, "unified:%s\n", text); }
+  };
+  ScopedService<UnifiedLog> _installed{*this};
+};
+
+TEST_F(KBXOSLogWriterTest, TheUnifiedLogGetsAnEntryBeforeStandardError) {
+  ShowingLog showing;
+  KBXOSLogWriter::init()->writePrefix("p"_ns, "abc"_ns, nullptr);
+  EXPECT_EQ(standardError(), "unified:p abc\n" + momentText() + " [org.ferncase.Host] p abc\n");
 }
 
 TEST_F(KBXOSLogWriterTest, AnEmptyPrefixLeavesTwoBlanksOnStandardError) {

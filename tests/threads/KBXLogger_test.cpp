@@ -12,7 +12,9 @@
 
 #include "KBXLog.h"
 #include "KBXOSLogWriter.h"
+#include "platform/objects/NSClass.h"
 #include "platform/objects/NSNumber.h"
+#include "platform/threads/Synchronized.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FakeOperatingSystem.h"
 #include "tests/support/RecordingLog.h"
@@ -110,6 +112,28 @@ TEST(KBXLoggerThreads, TheSharedLoggerMayBeReplacedWhileOthersLog) {
   KBXLogger::setSharedLogger(nullptr);
   // All loggers have gone, and what was made for them went with them.
   EXPECT_EQ(log.created().size(), log.released().size());
+}
+
+TEST(KBXLoggerThreads, TheLockOfTheClassKeepsTheSharedLoggerInItsPlace) {
+  const Ref<KBXLogger> first = loggerWith("KBXThreadArea"_ns, false);
+  const Ref<KBXLogger> second = loggerWith("KBXThreadArea"_ns, true);
+  KBXLogger::setSharedLogger(first);
+  std::thread other;
+  std::atomic<bool> isRunning{false};
+  int changes = 0;
+  {
+    Synchronized lock(KBXLogger::classObject());
+    other = std::thread([&] {
+      isRunning = true;
+      KBXLogger::setSharedLogger(second);
+    });
+    while (!isRunning) std::this_thread::yield();
+    for (int i = 0; i < 10000; ++i) changes += !isSame(KBXLogger::sharedLogger(), first);
+  }
+  other.join();
+  EXPECT_EQ(changes, 0);
+  EXPECT_TRUE(isSame(KBXLogger::sharedLogger(), second));
+  KBXLogger::setSharedLogger(nullptr);
 }
 
 TEST(KBXLoggerThreads, ANewSharedLoggerIsInForceForWhoeverHearsOfIt) {

@@ -31,12 +31,19 @@ PreferencesReading unreadable(NSError* error, const std::string& path) {
   return {blamesTheFile(error) ? State::Damaged : State::Failed, nullptr, complaint};
 }
 
-/// XML, which people can read, where it can hold the values; else the binary form.
+bool holds(NSData* data, NSDictionary* values) {
+  auto list = NSPropertyListSerialization::propertyListWithData(data, NSPropertyListImmutable,
+                                                                nullptr, nullptr);
+  return isEqual(list, values);
+}
+
+/// XML, which people can read, where it holds the values to the last bit; else the binary form.
 Ref<NSData> encoded(NSDictionary* values, Ref<NSError>* error) {
-  for (auto format : {NSPropertyListXMLFormat_v1_0, NSPropertyListBinaryFormat_v1_0})
-    if (auto data = NSPropertyListSerialization::dataWithPropertyList(values, format, 0, error))
-      return data;
-  return nullptr;
+  auto xml = NSPropertyListSerialization::dataWithPropertyList(values, NSPropertyListXMLFormat_v1_0,
+                                                               0, error);
+  if (xml && holds(xml, values)) return xml;
+  return NSPropertyListSerialization::dataWithPropertyList(values, NSPropertyListBinaryFormat_v1_0,
+                                                           0, error);
 }
 
 bool isTaken(const std::string& path) {

@@ -89,15 +89,17 @@ TEST_F(DefaultsCommandTest, EveryTypeIsKeptAndShownAsItself) {
     Words words;
     const char* shown;
   };
-  for (const auto& [words, shown] : {Case{{"-string", "42"}, "\"42\"\n"},
-                                     {{"-int", "42"}, "42\n"},
-                                     {{"-float", "42"}, "42.0\n"},
-                                     {{"-bool", "YES"}, "true\n"},
-                                     {{"-date", "2026-07-29T05:36:00Z"}, "2026-07-29T05:36:00Z\n"},
-                                     {{"-data", "0FBD"}, "<0fbd>\n"},
-                                     {{"-array", "a", "1"}, "(\n    a,\n    1\n)\n"},
-                                     {{"-dict", "k", "-bool", "0"}, "{\n    k = false;\n}\n"},
-                                     {{"-string", "a\x1B\n"}, "\"a\\u001b\\n\"\n"}}) {
+  for (const auto& [words, shown] :
+       {Case{{"-string", "42"}, "\"42\"\n"},
+        {{"-int", "42"}, "42\n"},
+        {{"-float", "42"}, "42.0\n"},
+        {{"-bool", "YES"}, "true\n"},
+        {{"-date", "2026-07-29T05:36:00Z"}, "2026-07-29T05:36:00Z\n"},
+        {{"-date", "2026-07-29T05:36:00.25Z"}, "2026-07-29T05:36:00.25Z\n"},
+        {{"-data", "0FBD"}, "<0fbd>\n"},
+        {{"-array", "a", "1"}, "(\n    a,\n    1\n)\n"},
+        {{"-dict", "k", "-bool", "0"}, "{\n    k = false;\n}\n"},
+        {{"-string", "a\x1B\n"}, "\"a\\u001b\\n\"\n"}}) {
     SCOPED_TRACE(words[0]);
     Words all = words;
     all.insert(all.begin(), "Key");
@@ -280,6 +282,23 @@ TEST_F(SwitchedLogTest, OptionsSayHowALineBegins) {
   write({"KBXLoggerIncludeFile", "-bool", "yes"});
   write({"KBXLoggerIncludeLine", "-bool", "yes"});
   EXPECT_THAT(logOfImport(), HasSubstr("log: Mine [RecorderArea] Recorder:1 asked for URL\n"));
+}
+
+TEST_F(SwitchedLogTest, TheImportersLinesBeginAsTheDefaultsSay) {
+  // A mail importer of another type, of which the importer says that it has no interface.
+  std::filesystem::create_directories(_folder / "root/System/Library/Spotlight");
+  std::filesystem::copy(FERNCASE_BUNDLES_DIR "/OtherType.mdimporter",
+                        _folder / "root/System/Library/Spotlight/Mail.mdimporter",
+                        std::filesystem::copy_options::recursive);
+  write({"KBXLoggerPrefix", "Mine"});
+  auto finished = Process({FERNCASE_BINARY, "import", "-v", "--force", "--importer",
+                           FERNCASE_SPOTLIGHT_DIR "/FerncaseSpotlightImporter.mdimporter", "-"})
+                      .input("Subject: x\n\n")
+                      .variable("XDG_CONFIG_HOME=" + _folder.path().string())
+                      .variable("KBX_SYSTEM_ROOT=" + (_folder / "root").string())
+                      .run();
+  EXPECT_EQ(finished.exitCode, 0);
+  EXPECT_THAT(finished.complaints, HasSubstr("log: Mine No importer interface found"));
 }
 
 TEST_F(SwitchedLogTest, OnlyTheProgramsOwnDomainCounts) {

@@ -146,6 +146,16 @@ TEST_F(FilePreferencesTest, WhatXMLCannotHoldGoesIntoABinaryFile) {
   EXPECT_TRUE(isEqual(process().domain("d"_ns), pair("a"_ns, "\x01"_ns)));
 }
 
+TEST_F(FilePreferencesTest, PartsOfASecondGoIntoABinaryFile) {
+  auto whole = NSDate::dateWithTimeIntervalSinceReferenceDate(806996160);
+  auto part = NSDate::dateWithTimeIntervalSinceReferenceDate(806996160.25);
+  EXPECT_TRUE(process().change("d"_ns, pair("a"_ns, whole)));
+  EXPECT_TRUE(file("d.plist").starts_with("<?xml"));
+  EXPECT_TRUE(process().change("d"_ns, pair("a"_ns, part)));
+  EXPECT_TRUE(file("d.plist").starts_with("bplist00"));
+  EXPECT_TRUE(isEqual(process().domain("d"_ns), pair("a"_ns, part)));
+}
+
 TEST_F(FilePreferencesTest, ADamagedFileCountsAsEmptyAndIsKeptAside) {
   for (std::string_view damage : {"", "<dict>", "<array/>", "bplist00"}) {
     SCOPED_TRACE(damage);

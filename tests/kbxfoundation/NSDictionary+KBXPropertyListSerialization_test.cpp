@@ -80,7 +80,19 @@ TEST(NSDictionaryKBXPropertyListSerialization, ABadFilePassesThreeFunctions) {
   EXPECT_FALSE(kbxReadURL(NSDictionary::classObject(), nullptr, &error));
   EXPECT_EQ(frames(error), kDictionaryFrame + "\n" + kClass +
                                "kbxPropertyListWithContentsOfURL:options:format:error:] (74)");
-  EXPECT_FALSE(kbxReadURL(NSDictionary::classObject(), folder.url("none"), nullptr));
+}
+
+TEST(NSDictionaryKBXPropertyListSerialization, AnUnreadableFilePassesTwoFunctions) {
+  TemporaryFolder folder;
+  for (auto* receiver : {NSDictionary::classObject(), NSMutableDictionary::classObject()}) {
+    Ref<NSError> error;
+    EXPECT_FALSE(kbxReadURL(receiver, folder.url("none"), &error));
+    ASSERT_TRUE(error);
+    EXPECT_TRUE(kbxHasDomain(error, NSCocoaErrorDomain(), NSFileReadNoSuchFileError));
+    EXPECT_EQ(frames(error), kDictionaryFrame + "\n" + kClass +
+                                 "kbxPropertyListWithContentsOfURL:options:format:error:] (77)");
+    EXPECT_FALSE(kbxReadURL(receiver, folder.url("none"), nullptr));
+  }
 }
 
 TEST(NSDictionaryKBXPropertyListSerialization, ADictionaryThatCannotBeWrittenPassesTwoFunctions) {

@@ -11,6 +11,7 @@
 #include "platform/objects/NSDate.h"
 #include "platform/objects/NSNumber.h"
 #include "platform/propertylists/BinaryPropertyList.h"
+#include "platform/text/UTF8.h"
 
 namespace kbx {
 namespace {
@@ -167,24 +168,19 @@ double realOf(std::string_view bytes) {
 }
 
 Ref<NSString> stringOfUTF16(std::string_view bytes) {
-  std::u16string units;
-  units.reserve(bytes.size() / 2);
-  for (std::size_t at = 0; at < bytes.size(); at += 2)
-    units += static_cast<char16_t>(wordOf(bytes.substr(at, 2)));
-  return NSString::stringWithUTF16(units);
-}
-
-bool isASCII(std::string_view bytes) {
-  for (char byte : bytes)
-    if (static_cast<std::uint8_t>(byte) >= 0x80) return false;
-  return true;
+  std::u16string units(bytes.size() / 2, u'\0');
+  for (std::size_t i = 0; i < units.size(); ++i)
+    units[i] = static_cast<char16_t>(static_cast<std::uint8_t>(bytes[2 * i]) << 8 |
+                                     static_cast<std::uint8_t>(bytes[2 * i + 1]));
+  return NSString::stringByTakingUTF16(std::move(units));
 }
 
 Ref<NSObject> Reader::text(BinaryKind kind, std::string_view content, std::size_t at) {
   if (!spend({0, content.size()}, at)) return nullptr;
   if (kind == BinaryKind::Data) return NSData::dataWithBytes(content);
   if (kind == BinaryKind::UTF16) return stringOfUTF16(content);
-  if (!isASCII(content)) return fail("an ASCII string holds other bytes", at);
+  if (asciiPrefixLength(content) < content.size())
+    return fail("an ASCII string holds other bytes", at);
   return NSString::stringWithUTF8(content);
 }
 

@@ -3,7 +3,7 @@
 #include <charconv>
 #include <chrono>
 #include <cmath>
-#include <cstdio>
+#include <cstdlib>
 #include <limits>
 
 #include "platform/objects/NSDate.h"
@@ -79,6 +79,13 @@ std::optional<int> takeSeconds(std::string_view& text) {
   return *hour * 3600 + *minute * 60 + *second;
 }
 
+/// Adds a part of a date, with zeros in front, and what stands behind it.
+void appendDigits(std::string& text, int number, std::size_t width, char behind) {
+  text.append(width, '0');
+  for (auto at = text.end(); number > 0; number /= 10) *--at = static_cast<char>('0' + number % 10);
+  text += behind;
+}
+
 std::string lowerCased(std::string_view text) {
   std::string result(text);
   for (char& letter : result)
@@ -128,7 +135,8 @@ std::string textFromReal(double number) {
 
 std::optional<double> realFromText(std::string_view text) {
   text = trimmed(text);
-  if (auto named = namedReal(text)) return named;
+  const bool isWord = !text.empty() && (text.back() | 0x20) >= 'a' && (text.back() | 0x20) <= 'z';
+  if (isWord) return namedReal(text);
   const bool hasSign = take(text, "+");
   if (text.find_first_not_of("0123456789+-.eE") != text.npos || (hasSign && text.starts_with("-")))
     return std::nullopt;
@@ -146,10 +154,13 @@ std::optional<std::string> textFromDate(double seconds) {
   const year_month_day date(start);
   const int year{date.year()};
   if (std::abs(year) > 9999) return std::nullopt;
-  char text[64];
-  std::snprintf(text, sizeof text, "%s%04d-%02u-%02uT%02d:%02d:%02dZ", year < 0 ? "-" : "",
-                std::abs(year), unsigned{date.month()}, unsigned{date.day()}, clock / 3600,
-                clock / 60 % 60, clock % 60);
+  std::string text(year < 0 ? "-" : "");
+  appendDigits(text, std::abs(year), 4, '-');
+  appendDigits(text, static_cast<int>(unsigned{date.month()}), 2, '-');
+  appendDigits(text, static_cast<int>(unsigned{date.day()}), 2, 'T');
+  appendDigits(text, clock / 3600, 2, ':');
+  appendDigits(text, clock / 60 % 60, 2, ':');
+  appendDigits(text, clock % 60, 2, 'Z');
   return text;
 }
 

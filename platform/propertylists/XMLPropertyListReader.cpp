@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 
+#include "platform/propertylists/PlainXMLPropertyList.h"
 #include "platform/propertylists/XMLPropertyListTree.h"
 
 namespace kbx {
@@ -176,6 +177,7 @@ PropertyListReading Reader::read(std::string_view text) {
 
 PropertyListReading propertyListFromXML(std::string_view text, bool isMutable) {
   if (text.empty()) return {nullptr, "there are no bytes"};
+  if (auto list = propertyListFromPlainXML(text, isMutable)) return {std::move(list), {}};
   xmlInitParser();
   QuietXML quiet;
   return Reader(isMutable).read(text);

@@ -3,6 +3,7 @@
 
 #include <string_view>
 
+#include "platform/Export.h"
 #include "platform/propertylists/PropertyListReading.h"
 
 namespace kbx {
@@ -14,6 +15,6 @@ namespace kbx {
 ///
 /// A tag may be 32 KiB long, a comment or CDATA section 256 KiB, other text as long as it likes.
 /// Nothing but the text is read: no document type, no entities, no network. Nothing is printed.
-PropertyListReading propertyListFromXML(std::string_view text, bool isMutable);
+KBX_PLATFORM PropertyListReading propertyListFromXML(std::string_view text, bool isMutable);
 
 }  // namespace kbx

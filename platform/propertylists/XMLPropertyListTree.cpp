@@ -139,7 +139,9 @@ XMLPropertyListTree::Fault XMLPropertyListTree::endContainer() {
 }
 
 XMLPropertyListTree::Fault XMLPropertyListTree::endKey() {
-  _containers.back().key = NSString::stringByTakingUTF8(std::move(_text));
+  auto key = NSString::stringByTakingUTF8(std::move(_text));
+  if (!key) return "a key that is no UTF-8";
+  _containers.back().key = std::move(key);
   return std::nullopt;
 }
 

@@ -21,16 +21,15 @@ constexpr std::array<std::uint8_t, 256> kMeanings = [] {
   return meanings;
 }();
 
-std::uint32_t byteAt(std::string_view bytes, std::size_t index) {
-  return index < bytes.size() ? static_cast<std::uint8_t>(bytes[index]) : 0;
-}
-
-void appendGroup(std::string& text, std::string_view bytes) {
-  const std::uint32_t group = byteAt(bytes, 0) << 16 | byteAt(bytes, 1) << 8 | byteAt(bytes, 2);
-  text += kAlphabet[group >> 18];
-  text += kAlphabet[group >> 12 & 63];
-  text += bytes.size() > 1 ? kAlphabet[group >> 6 & 63] : '=';
-  text += bytes.size() > 2 ? kAlphabet[group & 63] : '=';
+/// Writes the four letters of three bytes; answers where the next ones go.
+char* writeGroup(char* letters, const char (&bytes)[3]) {
+  const auto byte = [&](int i) { return std::uint32_t{static_cast<std::uint8_t>(bytes[i])}; };
+  const std::uint32_t group = byte(0) << 16 | byte(1) << 8 | byte(2);
+  letters[0] = kAlphabet[group >> 18];
+  letters[1] = kAlphabet[group >> 12 & 63];
+  letters[2] = kAlphabet[group >> 6 & 63];
+  letters[3] = kAlphabet[group & 63];
+  return letters + 4;
 }
 
 /// Collects six bits a time and hands out whole bytes.
@@ -46,6 +45,8 @@ class Decoder {
       _bytes += static_cast<char>(_bits >> (6 - 2 * ((_digits - 1) % 4)) & 0xFF);
     return true;
   }
+  /// Takes as many groups of four digits as stand at the front.
+  void takeGroups(std::string_view& text);
   bool isComplete() const { return (_digits + _padding) % 4 == 0; }
   std::string& bytes() { return _bytes; }
 
@@ -56,20 +57,47 @@ class Decoder {
   std::string _bytes;
 };
 
+void Decoder::takeGroups(std::string_view& text) {
+  if (_digits % 4 != 0 || _padding) return;
+  std::size_t at = 0;
+  for (; at + 4 <= text.size(); at += 4) {
+    std::uint32_t group = 0, meanings = 0;
+    for (std::size_t i = at; i < at + 4; ++i) {
+      const std::uint8_t meaning = kMeanings[static_cast<std::uint8_t>(text[i])];
+      group = group << 6 | meaning;
+      meanings |= meaning;
+    }
+    if (meanings >= 64) break;
+    const char bytes[] = {static_cast<char>(group >> 16), static_cast<char>(group >> 8),
+                          static_cast<char>(group)};
+    _bytes.append(bytes, sizeof bytes);
+  }
+  text.remove_prefix(at);
+}
+
 }  // namespace
 
+void writeBase64(char* letters, std::string_view bytes) {
+  for (; bytes.size() >= 3; bytes.remove_prefix(3))
+    letters = writeGroup(letters, {bytes[0], bytes[1], bytes[2]});
+  if (bytes.empty()) return;
+  writeGroup(letters, {bytes[0], bytes.size() > 1 ? bytes[1] : '\0', '\0'});
+  for (std::size_t i = bytes.size() + 1; i < 4; ++i) letters[i] = '=';
+}
+
 std::string base64FromBytes(std::string_view bytes) {
-  std::string text;
-  text.reserve((bytes.size() + 2) / 3 * 4);
-  for (std::size_t at = 0; at < bytes.size(); at += 3) appendGroup(text, bytes.substr(at, 3));
+  std::string text(base64Length(bytes.size()), '\0');
+  writeBase64(text.data(), bytes);
   return text;
 }
 
 std::optional<std::string> bytesFromBase64(std::string_view text) {
   Decoder decoder;
   decoder.bytes().reserve(text.size() / 4 * 3);
-  for (char letter : text)
-    if (!decoder.take(kMeanings[static_cast<std::uint8_t>(letter)])) return std::nullopt;
+  for (decoder.takeGroups(text); !text.empty(); decoder.takeGroups(text)) {
+    if (!decoder.take(kMeanings[static_cast<std::uint8_t>(text.front())])) return std::nullopt;
+    text.remove_prefix(1);
+  }
   if (!decoder.isComplete()) return std::nullopt;
   return std::move(decoder.bytes());
 }

@@ -1,6 +1,7 @@
 #include "platform/propertylists/BinaryPropertyListWriter.h"
 
 #include <bit>
+#include <string>
 #include <unordered_map>
 #include <vector>
 
@@ -10,13 +11,17 @@
 #include "platform/objects/NSDictionary.h"
 #include "platform/objects/NSNumber.h"
 #include "platform/propertylists/BinaryPropertyList.h"
+#include "platform/propertylists/ByteBuffer.h"
 #include "platform/propertylists/SortedEntries.h"
 
 namespace kbx {
 namespace {
 
-void appendWord(std::string& bytes, std::uint64_t word, std::size_t size) {
-  for (std::size_t i = size; i-- > 0;) bytes += static_cast<char>(word >> (8 * i) & 0xFF);
+void appendWord(ByteBuffer& bytes, std::uint64_t word, std::size_t size) {
+  char letters[8];
+  for (std::size_t i = 0; i < size; ++i)
+    letters[i] = static_cast<char>(word >> (8 * (size - 1 - i)) & 0xFF);
+  bytes.append({letters, size});
 }
 
 /// How many bytes hold the number: 1, 2, 4 or 8.
@@ -26,27 +31,27 @@ std::size_t sizeOf(std::uint64_t number) {
   return size;
 }
 
-void appendMarker(std::string& bytes, BinaryKind kind, std::size_t low) {
-  bytes += static_cast<char>(static_cast<std::size_t>(kind) << 4 | low);
+void appendMarker(ByteBuffer& bytes, BinaryKind kind, std::size_t low) {
+  bytes.append(1, static_cast<char>(static_cast<std::size_t>(kind) << 4 | low));
 }
 
-void appendNatural(std::string& bytes, std::uint64_t number) {
+void appendNatural(ByteBuffer& bytes, std::uint64_t number) {
   const std::size_t size = sizeOf(number);
   appendMarker(bytes, BinaryKind::Integer, static_cast<std::size_t>(std::countr_zero(size)));
   appendWord(bytes, number, size);
 }
 
-void appendHead(std::string& bytes, BinaryKind kind, std::size_t length) {
+void appendHead(ByteBuffer& bytes, BinaryKind kind, std::size_t length) {
   appendMarker(bytes, kind, length < kLongLength ? length : kLongLength);
   if (length >= kLongLength) appendNatural(bytes, length);
 }
 
-void appendReal(std::string& bytes, BinaryKind kind, double number) {
+void appendReal(ByteBuffer& bytes, BinaryKind kind, double number) {
   appendMarker(bytes, kind, 3);
   appendWord(bytes, std::bit_cast<std::uint64_t>(number), 8);
 }
 
-void appendInteger(std::string& bytes, const NSNumber& number) {
+void appendInteger(ByteBuffer& bytes, const NSNumber& number) {
   const std::uint64_t word = number.unsignedIntegerValue();
   const bool isUnsigned = number.kind() == NSNumber::Kind::Unsigned;
   if (!(word >> 63)) return appendNatural(bytes, word);
@@ -56,24 +61,26 @@ void appendInteger(std::string& bytes, const NSNumber& number) {
   appendWord(bytes, word, 8);
 }
 
-void appendNumber(std::string& bytes, const NSNumber& number) {
+void appendNumber(ByteBuffer& bytes, const NSNumber& number) {
   if (number.isBoolean())
-    bytes += static_cast<char>(number.boolValue() ? kBinaryTrue : kBinaryFalse);
+    bytes.append(1, static_cast<char>(number.boolValue() ? kBinaryTrue : kBinaryFalse));
   else if (number.kind() == NSNumber::Kind::Real)
     appendReal(bytes, BinaryKind::Real, number.doubleValue());
   else
     appendInteger(bytes, number);
 }
 
-void appendText(std::string& bytes, const NSString& text) {
+void appendText(ByteBuffer& bytes, const NSString& text) {
   appendHead(bytes, text.isASCII() ? BinaryKind::ASCII : BinaryKind::UTF16, text.length());
   text.visitUnits([&](auto units) {
-    for (auto unit : units) appendWord(bytes, static_cast<char16_t>(unit), sizeof unit);
+    if constexpr (sizeof(units[0]) == 1)
+      bytes.append({units.data(), units.size()});
+    else
+      for (char16_t unit : units) appendWord(bytes, unit, sizeof unit);
   });
 }
 
-std::string encodedLeaf(NSObject* value) {
-  std::string bytes;
+void appendLeaf(ByteBuffer& bytes, NSObject* value) {
   if (auto* text = cast<NSString>(value)) {
     appendText(bytes, *text);
   } else if (auto* number = cast<NSNumber>(value)) {
@@ -83,25 +90,33 @@ std::string encodedLeaf(NSObject* value) {
   } else {
     auto* data = cast<NSData>(value);
     appendHead(bytes, BinaryKind::Data, data->length());
-    bytes += data->view();
+    bytes.append(data->view());
   }
-  return bytes;
+}
+
+/// How many bytes a text or data holds, without its head; 0 for other leaves.
+std::size_t contentSize(NSObject* value) {
+  if (auto* text = cast<NSString>(value)) return text->length() * (text->isASCII() ? 1 : 2);
+  auto* data = cast<NSData>(value);
+  return data ? data->length() : 0;
 }
 
 // Bytes up to which equal leaves are one object. Readers, ours among them, refuse a file whose
 // objects would grow to much more than the file; of long leaves each has to be there.
 constexpr std::size_t kLongestShared = 256;
 
-/// An object of the file: a leaf with its bytes, or a container with what it refers to.
+/// An object of the file: a short leaf with its bytes, a long one, or a container with what it
+/// refers to.
 struct Item {
   std::string leaf{};
+  NSObject* longLeaf = nullptr;  // borrowed; its bytes are made where they belong
   BinaryKind kind = BinaryKind::Array;
   std::vector<std::size_t> references{};
 };
 
 class Writer {
  public:
-  std::string write(NSObject* list);
+  Ref<NSData> write(NSObject* list);
 
  private:
   std::size_t add(NSObject* value);
@@ -114,12 +129,19 @@ class Writer {
   std::unordered_map<std::string, std::size_t>
       _leaves;  // the place of each short one, by its bytes
   std::vector<std::size_t> _offsets;
-  std::string _bytes;
+  ByteBuffer _leaf;  // the room in which each short one is made
+  ByteBuffer _bytes;
 };
 
 std::size_t Writer::addLeaf(NSObject* value) {
-  std::string leaf = encodedLeaf(value);
   const std::size_t place = _items.size();
+  if (contentSize(value) > kLongestShared) {
+    _items.push_back({.longLeaf = value});
+    return place;
+  }
+  _leaf.clear();
+  appendLeaf(_leaf, value);
+  std::string leaf(_leaf.view());
   if (leaf.size() <= kLongestShared) {
     auto [found, isNew] = _leaves.try_emplace(leaf, place);
     if (!isNew) return found->second;
@@ -139,6 +161,7 @@ std::size_t Writer::addContainer(BinaryKind kind, const std::vector<NSObject*>& 
 }
 
 std::size_t Writer::add(NSObject* value) {
+  if (cast<NSString>(value)) return addLeaf(value);  // what most values and all keys are
   std::vector<NSObject*> values;
   if (auto* array = cast<NSArray>(value)) {
     for (const auto& element : *array) values.push_back(element);
@@ -154,8 +177,9 @@ std::size_t Writer::add(NSObject* value) {
 
 void Writer::appendItem(const Item& item) {
   _offsets.push_back(_bytes.size());
+  if (item.longLeaf) return appendLeaf(_bytes, item.longLeaf);
   if (!item.leaf.empty()) {
-    _bytes += item.leaf;
+    _bytes.append(item.leaf);
     return;
   }
   const std::size_t parts = item.kind == BinaryKind::Dictionary ? 2 : 1;
@@ -175,16 +199,16 @@ void Writer::appendTable(std::size_t top) {
   appendWord(_bytes, start, 8);
 }
 
-std::string Writer::write(NSObject* list) {
+Ref<NSData> Writer::write(NSObject* list) {
   const std::size_t top = add(list);
-  _bytes = kBinaryHead;
+  _bytes.append(kBinaryHead);
   for (const Item& item : _items) appendItem(item);
   appendTable(top);
-  return std::move(_bytes);
+  return _bytes.take();
 }
 
 }  // namespace
 
-std::string binaryFromPropertyList(NSObject* list) { return Writer().write(list); }
+Ref<NSData> binaryFromPropertyList(NSObject* list) { return Writer().write(list); }
 
 }  // namespace kbx

@@ -1,9 +1,7 @@
 // BinaryPropertyListWriter: a property list in the binary form of version 1.0.
 #pragma once
 
-#include <string>
-
-#include "platform/objects/NSObject.h"
+#include "platform/objects/NSData.h"
 
 namespace kbx {
 
@@ -11,6 +9,6 @@ namespace kbx {
 /// containers each for themselves; keys are sorted.
 ///
 /// list  one in which faultInPropertyList() finds nothing
-std::string binaryFromPropertyList(NSObject* list);
+Ref<NSData> binaryFromPropertyList(NSObject* list);
 
 }  // namespace kbx

@@ -37,9 +37,8 @@ Ref<NSData> NSPropertyListSerialization::dataWithPropertyList(NSObject* list,
     failWritingPropertyList(error, NSPropertyListWriteStreamError, *fault);
     return nullptr;
   }
-  return NSData::dataWithBytes(format == NSPropertyListXMLFormat_v1_0
-                                   ? xmlFromPropertyList(list)
-                                   : binaryFromPropertyList(list));
+  return format == NSPropertyListXMLFormat_v1_0 ? xmlFromPropertyList(list)
+                                                : binaryFromPropertyList(list);
 }
 
 Ref<NSObject> NSPropertyListSerialization::propertyListWithData(NSData* data,

@@ -1,6 +1,8 @@
 #include "platform/propertylists/PropertyListCheck.h"
 
 #include <algorithm>
+#include <cstdint>
+#include <span>
 #include <vector>
 
 #include "platform/objects/NSArray.h"
@@ -22,8 +24,45 @@ bool isAllowedInXML(char16_t unit) {
   return unit < 0xFFFE;
 }
 
+/// Whether ASCII text holds a character that XML does not allow. Without a branch, so that the
+/// compiler looks at many in one step.
+bool holdsControl(std::span<const char> units) {
+  std::uint8_t found = 0;
+  for (char c : units) {
+    const std::uint8_t isControl = c < 0x20 ? 1 : 0, isTab = c == '\t' ? 1 : 0;
+    const std::uint8_t isFeed = c == '\n' ? 1 : 0, isReturn = c == '\r' ? 1 : 0;
+    found |= static_cast<std::uint8_t>(isControl ^ isTab ^ isFeed ^ isReturn);
+  }
+  return found;
+}
+
+/// False for most texts: a closer look is needed at control characters and surrogates.
+bool mayBeWrong(std::span<const char16_t> units) {
+  std::uint16_t found = 0;
+  for (char16_t unit : units) {
+    const std::uint16_t isControl = unit < 0x20 ? 1 : 0, isLarge = unit >= 0xD800 ? 1 : 0;
+    found |= static_cast<std::uint16_t>(isControl | isLarge);
+  }
+  return found;
+}
+
 bool isHigh(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 bool isLow(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
+
+const char* faultIn(std::span<const char> units, bool isXML) {
+  return isXML && holdsControl(units) ? kControlFault : nullptr;
+}
+
+const char* faultIn(std::span<const char16_t> units, bool isXML) {
+  if (!mayBeWrong(units)) return nullptr;
+  for (std::size_t i = 0; i < units.size(); ++i) {
+    const char16_t unit = units[i];
+    if (isXML && !isAllowedInXML(unit)) return kControlFault;
+    if (isLow(unit) && (i == 0 || !isHigh(units[i - 1]))) return kSurrogateFault;
+    if (isHigh(unit) && (i + 1 == units.size() || !isLow(units[i + 1]))) return kSurrogateFault;
+  }
+  return nullptr;
+}
 
 /// Walks a tree and remembers the way to where it stands.
 class Check {
@@ -57,18 +96,8 @@ class Check {
 };
 
 bool Check::passesText(NSString* text, const char* what) {
-  const char* wrong = text->visitUnits([this](auto units) -> const char* {
-    for (std::size_t i = 0; i < units.size(); ++i) {
-      const auto unit = static_cast<char16_t>(units[i]);
-      if (_isXML && !isAllowedInXML(unit)) return kControlFault;
-      if constexpr (sizeof(units[0]) == 2) {
-        if (isLow(unit) && (i == 0 || !isHigh(units[i - 1]))) return kSurrogateFault;
-        if (isHigh(unit) && (i + 1 == units.size() || !isLow(units[i + 1]))) return kSurrogateFault;
-      }
-    }
-    return nullptr;
-  });
-  return !wrong || fail(std::string(what) + wrong);
+  const char* fault = text->visitUnits([this](auto units) { return faultIn(units, _isXML); });
+  return !fault || fail(std::string(what) + fault);
 }
 
 bool Check::passesArray(NSArray* array) {
@@ -96,7 +125,6 @@ bool Check::passesDictionary(NSDictionary* dictionary) {
 }
 
 bool Check::passesLeaf(NSObject* value) {
-  if (auto* text = cast<NSString>(value)) return passesText(text, "a string ");
   if (cast<NSNumber>(value) || cast<NSData>(value)) return true;
   auto* date = cast<NSDate>(value);
   if (!date) return fail("an object of class " + value->objectClass()->name() + " stands");
@@ -105,6 +133,7 @@ bool Check::passesLeaf(NSObject* value) {
 }
 
 bool Check::passes(NSObject* value) {
+  if (auto* text = cast<NSString>(value)) return passesText(text, "a string ");
   auto* array = cast<NSArray>(value);
   auto* dictionary = cast<NSDictionary>(value);
   if ((array || dictionary) && _path.size() >= kDeepestPropertyList)
@@ -121,9 +150,12 @@ std::string Check::place() const {
   for (std::size_t i = 0; i < std::min(_path.size(), kShown); ++i) {
     const auto& [key, index] = _path[i];
     if (key && i > 0) text += '.';
-    text += key ? key->lossyUTF8() : "[" + std::to_string(index) + "]";
+    if (key)
+      text += key->lossyUTF8();
+    else
+      text.append("[").append(std::to_string(index)).append("]");
   }
-  return " at “" + text + (_path.size() > kShown ? "…”" : "”");
+  return std::string(" at “").append(text).append(_path.size() > kShown ? "…”" : "”");
 }
 
 }  // namespace

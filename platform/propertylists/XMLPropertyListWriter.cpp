@@ -1,6 +1,9 @@
 #include "platform/propertylists/XMLPropertyListWriter.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
 #include <string_view>
 
 #include "platform/objects/NSArray.h"
@@ -8,18 +11,16 @@
 #include "platform/objects/NSDate.h"
 #include "platform/objects/NSDictionary.h"
 #include "platform/objects/NSNumber.h"
+#include "platform/propertylists/ByteBuffer.h"
 #include "platform/propertylists/PropertyListText.h"
 #include "platform/propertylists/SortedEntries.h"
+#include "platform/propertylists/XMLPropertyListHead.h"
 #include "platform/text/Base64.h"
+#include "platform/text/UTF8.h"
 
 namespace kbx {
 namespace {
 
-constexpr char kHead[] =
-    "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-    "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-    "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-    "<plist version=\"1.0\">\n";
 constexpr char kFoot[] = "</plist>\n";
 
 constexpr std::size_t kLineWidth = 76;
@@ -28,10 +29,11 @@ constexpr std::size_t kDeepestDataIndent = 8;  // tabs; deeper ones would leave 
 
 class Writer {
  public:
-  std::string write(NSObject* list) {
-    _text = kHead;
+  Ref<NSData> write(NSObject* list) {
+    for (std::string_view line : {kXMLDeclaration, kXMLDocumentType, kXMLPlistTag})
+      _text.append(line).append("\n");
     appendValue(list, 0);
-    return std::move(_text.append(kFoot));
+    return _text.append(kFoot).take();
   }
 
  private:
@@ -40,6 +42,7 @@ class Writer {
     _text.append("<").append(name).append(">").append(text);
     _text.append("</").append(name).append(">\n");
   }
+  void appendEscaped(std::string_view text);
   void appendText(std::string_view name, NSString* text);
   void appendNumber(NSNumber* number);
   void appendData(NSData* data, std::size_t level);
@@ -48,34 +51,77 @@ class Writer {
   void appendLeaf(NSObject* value, std::size_t level);
   void appendValue(NSObject* value, std::size_t level);
 
-  std::string _text;
+  ByteBuffer _text;
 };
 
-std::string escaped(std::string_view text) {
-  std::string result;
-  result.reserve(text.size());
-  for (char letter : text) {
-    if (letter == '<')
-      result += "&lt;";
-    else if (letter == '>')
-      result += "&gt;";
-    else if (letter == '&')
-      result += "&amp;";
-    else if (letter == '\r')
-      result += "&#13;";  // a plain one would be read as a line feed
-    else
-      result += letter;
+/// What is written for a character that cannot stand for itself; empty for all others.
+std::string_view escapeOf(char letter) {
+  switch (letter) {
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '&':
+      return "&amp;";
+    case '\r':
+      return "&#13;";  // a plain one would be read as a line feed
+    default:
+      return {};
   }
-  return result;
+}
+
+constexpr auto kIsEscaped = [] {
+  std::array<bool, 256> set{};
+  for (char letter : {'<', '>', '&', '\r'}) set[static_cast<std::uint8_t>(letter)] = true;
+  return set;
+}();
+
+constexpr std::size_t kWord = sizeof(std::uint64_t);
+constexpr std::uint64_t inEachByte(std::uint64_t byte) { return byte * 0x0101010101010101; }
+
+constexpr bool hasZeroByte(std::uint64_t word) {
+  return (word - inEachByte(0x01)) & ~word & inEachByte(0x80);
+}
+
+/// Whether one of the next eight letters needs an escape.
+bool holdsEscaped(const char* letters) {
+  static_assert(('<' ^ '>') == 2);
+  std::uint64_t word;
+  std::memcpy(&word, letters, kWord);
+  return hasZeroByte((word & inEachByte(0xFD)) ^ inEachByte('<')) ||
+         hasZeroByte(word ^ inEachByte('&')) || hasZeroByte(word ^ inEachByte('\r'));
+}
+
+void Writer::appendEscaped(std::string_view text) {
+  std::size_t plain = 0;  // where what needs no escape begins
+  for (std::size_t i = 0; i < text.size();) {
+    if (text.size() - i >= kWord && !holdsEscaped(text.data() + i)) {
+      i += kWord;
+      continue;
+    }
+    for (const std::size_t end = std::min(i + kWord, text.size()); i < end; ++i) {
+      if (!kIsEscaped[static_cast<std::uint8_t>(text[i])]) continue;
+      _text.append(text.substr(plain, i - plain)).append(escapeOf(text[i]));
+      plain = i + 1;
+    }
+  }
+  _text.append(text.substr(plain));
 }
 
 void Writer::appendText(std::string_view name, NSString* text) {
-  appendElement(name, escaped(text->lossyUTF8()));
+  _text.append("<").append(name).append(">");
+  text->visitUnits([this](auto units) {
+    if constexpr (sizeof(units[0]) == 1)
+      appendEscaped({units.data(), units.size()});
+    else
+      appendEscaped(lossyUTF8FromUTF16({units.data(), units.size()}));
+  });
+  _text.append("</").append(name).append(">\n");
 }
 
 void Writer::appendNumber(NSNumber* number) {
   if (number->isBoolean())
-    _text += number->boolValue() ? "<true/>\n" : "<false/>\n";
+    _text.append(number->boolValue() ? "<true/>\n" : "<false/>\n");
   else if (number->kind() == NSNumber::Kind::Real)
     appendElement("real", textFromReal(number->doubleValue()));
   else
@@ -85,46 +131,47 @@ void Writer::appendNumber(NSNumber* number) {
 void Writer::appendData(NSData* data, std::size_t level) {
   const std::size_t indent = std::min(level, kDeepestDataIndent);
   const std::size_t width = kLineWidth - kTabWidth * indent;
-  const std::string digits = base64FromBytes(data->view());
-  _text += "<data>\n";
-  for (std::size_t at = 0; at < digits.size(); at += width) {
+  const std::size_t bytesInLine = width / 4 * 3;
+  _text.append("<data>\n");
+  for (auto rest = data->view(); !rest.empty();) {
+    const auto line = rest.substr(0, bytesInLine);
+    rest.remove_prefix(line.size());
     appendIndent(indent);
-    _text.append(digits, at, width).append("\n");
+    writeBase64(_text.grow(base64Length(line.size())), line);
+    _text.append("\n");
   }
   appendIndent(level);
-  _text += "</data>\n";
+  _text.append("</data>\n");
 }
 
 void Writer::appendArray(NSArray* array, std::size_t level) {
   if (array->count() == 0) {
-    _text += "<array/>\n";
+    _text.append("<array/>\n");
     return;
   }
-  _text += "<array>\n";
+  _text.append("<array>\n");
   for (const auto& element : *array) appendValue(element, level + 1);
   appendIndent(level);
-  _text += "</array>\n";
+  _text.append("</array>\n");
 }
 
 void Writer::appendDictionary(NSDictionary* dictionary, std::size_t level) {
   if (dictionary->count() == 0) {
-    _text += "<dict/>\n";
+    _text.append("<dict/>\n");
     return;
   }
-  _text += "<dict>\n";
+  _text.append("<dict>\n");
   for (const auto* entry : sortedEntries(dictionary)) {
     appendIndent(level + 1);
     appendText("key", static_cast<NSString*>(entry->key.get()));
     appendValue(entry->value, level + 1);
   }
   appendIndent(level);
-  _text += "</dict>\n";
+  _text.append("</dict>\n");
 }
 
 void Writer::appendLeaf(NSObject* value, std::size_t level) {
-  if (auto* text = cast<NSString>(value))
-    appendText("string", text);
-  else if (auto* number = cast<NSNumber>(value))
+  if (auto* number = cast<NSNumber>(value))
     appendNumber(number);
   else if (auto* date = cast<NSDate>(value))
     appendElement("date", *textFromDate(date->timeIntervalSinceReferenceDate()));
@@ -134,7 +181,9 @@ void Writer::appendLeaf(NSObject* value, std::size_t level) {
 
 void Writer::appendValue(NSObject* value, std::size_t level) {
   appendIndent(level);
-  if (auto* array = cast<NSArray>(value))
+  if (auto* text = cast<NSString>(value))  // what most values are
+    appendText("string", text);
+  else if (auto* array = cast<NSArray>(value))
     appendArray(array, level);
   else if (auto* dictionary = cast<NSDictionary>(value))
     appendDictionary(dictionary, level);
@@ -144,6 +193,6 @@ void Writer::appendValue(NSObject* value, std::size_t level) {
 
 }  // namespace
 
-std::string xmlFromPropertyList(NSObject* list) { return Writer().write(list); }
+Ref<NSData> xmlFromPropertyList(NSObject* list) { return Writer().write(list); }
 
 }  // namespace kbx

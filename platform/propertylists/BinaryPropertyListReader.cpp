@@ -21,11 +21,29 @@ constexpr std::uint64_t kValuesPerByte = 4;
 constexpr std::uint64_t kFreeContent = 16'000'000;
 constexpr std::uint64_t kContentPerByte = 1024;
 
+template <std::size_t size>
+std::uint64_t wordOf(const char* bytes) {
+  std::uint64_t word = 0;
+  for (std::size_t i = 0; i < size; ++i) word = word << 8 | static_cast<std::uint8_t>(bytes[i]);
+  return word;
+}
+
 /// A number of up to eight bytes, the high one first; of more only the low eight count.
 std::uint64_t wordOf(std::string_view bytes) {
-  std::uint64_t word = 0;
-  for (char byte : bytes) word = word << 8 | static_cast<std::uint8_t>(byte);
-  return word;
+  switch (bytes.size()) {  // the usual sizes, for which there is an instruction
+    case 1:
+      return wordOf<1>(bytes.data());
+    case 2:
+      return wordOf<2>(bytes.data());
+    case 4:
+      return wordOf<4>(bytes.data());
+    case 8:
+      return wordOf<8>(bytes.data());
+    default:
+      std::uint64_t word = 0;
+      for (char byte : bytes) word = word << 8 | static_cast<std::uint8_t>(byte);
+      return word;
+  }
 }
 
 /// The part of an object that lies behind what was read already.

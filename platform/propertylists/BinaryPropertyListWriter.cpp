@@ -122,6 +122,7 @@ class Writer {
   std::size_t add(NSObject* value);
   std::size_t addLeaf(NSObject* value);
   std::size_t addContainer(BinaryKind kind, const std::vector<NSObject*>& values);
+  std::size_t estimatedSize() const;
   void appendItem(const Item& item);
   void appendTable(std::size_t top);
 
@@ -175,6 +176,17 @@ std::size_t Writer::add(NSObject* value) {
   return addContainer(BinaryKind::Dictionary, values);
 }
 
+/// A little more than the file will be.
+std::size_t Writer::estimatedSize() const {
+  constexpr std::size_t kLongestHead = 10;
+  const std::size_t referenceSize = sizeOf(_items.size());
+  std::size_t size = kBinaryHead.size() + kBinaryTrailerLength;
+  for (const Item& item : _items)
+    size += kLongestHead + item.leaf.size() + item.references.size() * referenceSize +
+            (item.longLeaf ? contentSize(item.longLeaf) : 0);
+  return size + _items.size() * sizeOf(size);
+}
+
 void Writer::appendItem(const Item& item) {
   _offsets.push_back(_bytes.size());
   if (item.longLeaf) return appendLeaf(_bytes, item.longLeaf);
@@ -201,6 +213,7 @@ void Writer::appendTable(std::size_t top) {
 
 Ref<NSData> Writer::write(NSObject* list) {
   const std::size_t top = add(list);
+  _bytes.reserve(estimatedSize());
   _bytes.append(kBinaryHead);
   for (const Item& item : _items) appendItem(item);
   appendTable(top);

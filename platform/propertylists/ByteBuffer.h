@@ -34,14 +34,16 @@ class ByteBuffer {
   }
   /// Where `count` more bytes begin, which the caller writes.
   char* grow(std::size_t count) {
-    if (count > _room - _size) {
-      const std::size_t room = std::max({_size + count, 2 * _room, std::size_t{256}});
-      // Large blocks are moved by the system's page tables, not by copying.
-      auto* bytes = static_cast<char*>(std::realloc(_bytes, room));
-      if (!bytes) throw std::bad_alloc();
-      _bytes = bytes, _room = room;
-    }
+    if (count > _room - _size) reserve(std::max({_size + count, 2 * _room, std::size_t{256}}));
     return _bytes + std::exchange(_size, _size + count);
+  }
+  /// Makes room for so many bytes in all.
+  void reserve(std::size_t room) {
+    if (room <= _room) return;
+    // Large blocks are moved by the system's page tables, not by copying.
+    auto* bytes = static_cast<char*>(std::realloc(_bytes, room));
+    if (!bytes) throw std::bad_alloc();
+    _bytes = bytes, _room = room;
   }
   /// Keeps the room.
   void clear() noexcept { _size = 0; }

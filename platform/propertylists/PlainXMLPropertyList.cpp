@@ -48,15 +48,16 @@ std::optional<char32_t> characterOf(std::string_view name) {
 /// Whether the text between two tags or references means what it says. Whether it is UTF-8 shows
 /// when it becomes a string.
 bool isPlain(std::string_view text) {
-  std::uint8_t odd = 0, all = 0;
+  std::uint8_t odd = 0, brackets = 0, all = 0;
   for (char letter : text) {  // without a branch, so that the compiler looks at many in one step
     const auto c = static_cast<std::uint8_t>(letter);
     const std::uint8_t isControl = c < 0x20 ? 1 : 0, isTab = c == '\t' ? 1 : 0;
-    const std::uint8_t isFeed = c == '\n' ? 1 : 0;
+    const std::uint8_t isFeed = c == '\n' ? 1 : 0, isBracket = c == ']' ? 1 : 0;
     odd |= static_cast<std::uint8_t>(isControl ^ isTab ^ isFeed);
+    brackets |= isBracket;
     all |= c;
   }
-  if (odd || text.find("]]>") != text.npos) return false;
+  if (odd || (brackets && text.find("]]>") != text.npos)) return false;
   return all < 0x80 ||
          (text.find("\xEF\xBF\xBE") == text.npos && text.find("\xEF\xBF\xBF") == text.npos);
 }

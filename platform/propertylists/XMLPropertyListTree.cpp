@@ -1,5 +1,6 @@
 #include "platform/propertylists/XMLPropertyListTree.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "platform/objects/NSData.h"
@@ -36,6 +37,8 @@ std::string quoted(std::string_view text) {
   const bool isLong = text.size() > kShown;
   return "“" + std::string(text.substr(0, kShown)) + (isLong ? "…”" : "”");
 }
+
+bool isBlank(char c) { return c == ' ' || c == '\t' || c == '\n' || c == '\r'; }
 
 bool holdsValues(Element element) { return element <= Element::Array; }
 
@@ -117,7 +120,7 @@ XMLPropertyListTree::Fault XMLPropertyListTree::text(std::string_view text) {
                       _open.back() != Element::True && _open.back() != Element::False;
   if (isLeaf)
     _text += text;
-  else if (text.find_first_not_of(" \t\r\n") != text.npos)
+  else if (!std::ranges::all_of(text, isBlank))
     return "text where only elements may be: " + quoted(text);
   return std::nullopt;
 }

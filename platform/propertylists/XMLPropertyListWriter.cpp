@@ -21,6 +21,15 @@
 namespace kbx {
 namespace {
 
+struct Tags {
+  std::string_view start, end;
+};
+
+constexpr Tags kKeyTags = {"<key>", "</key>\n"};
+constexpr Tags kStringTags = {"<string>", "</string>\n"};
+constexpr Tags kIntegerTags = {"<integer>", "</integer>\n"};
+constexpr Tags kRealTags = {"<real>", "</real>\n"};
+constexpr Tags kDateTags = {"<date>", "</date>\n"};
 constexpr char kFoot[] = "</plist>\n";
 
 constexpr std::size_t kLineWidth = 76;
@@ -38,12 +47,11 @@ class Writer {
 
  private:
   void appendIndent(std::size_t level) { _text.append(level, '\t'); }
-  void appendElement(std::string_view name, std::string_view text) {
-    _text.append("<").append(name).append(">").append(text);
-    _text.append("</").append(name).append(">\n");
+  void appendElement(const Tags& tags, std::string_view text) {
+    _text.append(tags.start).append(text).append(tags.end);
   }
   void appendEscaped(std::string_view text);
-  void appendText(std::string_view name, NSString* text);
+  void appendText(const Tags& tags, NSString* text);
   void appendNumber(NSNumber* number);
   void appendData(NSData* data, std::size_t level);
   void appendArray(NSArray* array, std::size_t level);
@@ -108,24 +116,24 @@ void Writer::appendEscaped(std::string_view text) {
   _text.append(text.substr(plain));
 }
 
-void Writer::appendText(std::string_view name, NSString* text) {
-  _text.append("<").append(name).append(">");
+void Writer::appendText(const Tags& tags, NSString* text) {
+  _text.append(tags.start);
   text->visitUnits([this](auto units) {
     if constexpr (sizeof(units[0]) == 1)
       appendEscaped({units.data(), units.size()});
     else
       appendEscaped(lossyUTF8FromUTF16({units.data(), units.size()}));
   });
-  _text.append("</").append(name).append(">\n");
+  _text.append(tags.end);
 }
 
 void Writer::appendNumber(NSNumber* number) {
   if (number->isBoolean())
     _text.append(number->boolValue() ? "<true/>\n" : "<false/>\n");
   else if (number->kind() == NSNumber::Kind::Real)
-    appendElement("real", textFromReal(number->doubleValue()));
+    appendElement(kRealTags, textFromReal(number->doubleValue()));
   else
-    appendElement("integer", textFromInteger(*number));
+    appendElement(kIntegerTags, textFromInteger(*number));
 }
 
 void Writer::appendData(NSData* data, std::size_t level) {
@@ -163,7 +171,7 @@ void Writer::appendDictionary(NSDictionary* dictionary, std::size_t level) {
   _text.append("<dict>\n");
   for (const auto* entry : sortedEntries(dictionary)) {
     appendIndent(level + 1);
-    appendText("key", static_cast<NSString*>(entry->key.get()));
+    appendText(kKeyTags, static_cast<NSString*>(entry->key.get()));
     appendValue(entry->value, level + 1);
   }
   appendIndent(level);
@@ -174,7 +182,7 @@ void Writer::appendLeaf(NSObject* value, std::size_t level) {
   if (auto* number = cast<NSNumber>(value))
     appendNumber(number);
   else if (auto* date = cast<NSDate>(value))
-    appendElement("date", *textFromDate(date->timeIntervalSinceReferenceDate()));
+    appendElement(kDateTags, *textFromDate(date->timeIntervalSinceReferenceDate()));
   else
     appendData(cast<NSData>(value), level);
 }
@@ -182,7 +190,7 @@ void Writer::appendLeaf(NSObject* value, std::size_t level) {
 void Writer::appendValue(NSObject* value, std::size_t level) {
   appendIndent(level);
   if (auto* text = cast<NSString>(value))  // what most values are
-    appendText("string", text);
+    appendText(kStringTags, text);
   else if (auto* array = cast<NSArray>(value))
     appendArray(array, level);
   else if (auto* dictionary = cast<NSDictionary>(value))

@@ -76,6 +76,36 @@ TEST(XMLPropertyListWriter, MarkupInTextIsEscaped) {
   EXPECT_EQ(body("日本😀"_ns), "<string>日本😀</string>\n");
 }
 
+TEST(XMLPropertyListWriter, AnEscapeIsFoundAtEveryPlace) {
+  struct Case {
+    char letter;
+    const char* escape;
+  };
+  // What differs from them in one bit must not be taken for them.
+  for (std::string_view around : {"abcdefghijklmnopqrstu", "=;:'%$\"6.\x7F?,~|\t\n -LMf}"})
+    for (auto [letter, escape] :
+         {Case{'<', "&lt;"}, {'>', "&gt;"}, {'&', "&amp;"}, {'\r', "&#13;"}})
+      for (std::size_t at = 0; at <= around.size(); ++at) {
+        std::string sample(around), expected(around);
+        sample.insert(at, 1, letter), expected.insert(at, escape);
+        EXPECT_EQ(body(string(sample)), "<string>" + expected + "</string>\n");
+        EXPECT_EQ(body(string(sample + "é")), "<string>" + expected + "é</string>\n");
+      }
+}
+
+TEST(XMLPropertyListWriter, AControlCharacterIsRefusedAtEveryPlace) {
+  for (char letter = 0; letter < 0x20; ++letter)
+    for (std::size_t at = 0; at < 40; ++at)
+      for (const char* end : {"", "é"}) {
+        std::string sample(40, 'x');
+        sample[at] = letter;
+        const bool isAllowed = letter == '\t' || letter == '\n' || letter == '\r';
+        EXPECT_EQ(written(string(sample + end), kXML).starts_with("<?xml"), isAllowed)
+            << int{letter} << " at " << at;
+        EXPECT_TRUE(written(string(sample + end), kBinary).starts_with("bplist00"));
+      }
+}
+
 TEST(XMLPropertyListWriter, IntegersCoverTheSignedAndTheUnsignedRange) {
   using Limits = std::numeric_limits<std::int64_t>;
   EXPECT_EQ(body(std::int64_t{0}), "<integer>0</integer>\n");

@@ -1,4 +1,5 @@
-// Property lists of strangers: what is read can be written, and then stays the same.
+// Property lists of strangers: what is read can be written, and then stays the same. What is read
+// as plain XML is the same to the reader of all XML.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
@@ -6,6 +7,8 @@
 
 #include "platform/objects/NSError.h"
 #include "platform/propertylists/NSPropertyListSerialization.h"
+#include "platform/propertylists/PlainXMLPropertyList.h"
+#include "platform/propertylists/XMLPropertyListReader.h"
 
 namespace kbx {
 namespace {
@@ -42,6 +45,15 @@ void checkFormat(NSObject* list, NSPropertyListFormat format) {
   }
 }
 
+void checkPlainXML(NSData* input) {
+  auto plain = propertyListFromPlainXML(input->view(), false);
+  if (!plain) return;
+  auto full = propertyListFromXML(std::string(input->view()) + "<!-- -->", false).list;
+  require(full);
+  auto bytes = write(plain, NSPropertyListXMLFormat_v1_0);
+  require(bytes && isEqual(write(full, NSPropertyListXMLFormat_v1_0), bytes));
+}
+
 }  // namespace
 }  // namespace kbx
 
@@ -50,6 +62,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   auto input = NSData::dataWithBytes(bytes, size);
   auto list = read(input, NSPropertyListImmutable);
   require((list != nullptr) == (read(input, NSPropertyListMutableContainers) != nullptr));
+  checkPlainXML(input);
   if (!list) return 0;
   checkFormat(list, NSPropertyListXMLFormat_v1_0);
   checkFormat(list, NSPropertyListBinaryFormat_v1_0);

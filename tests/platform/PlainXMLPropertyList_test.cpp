@@ -37,7 +37,8 @@ TEST(PlainXMLPropertyList, WhatIsWrittenIsPlain) {
 TEST(PlainXMLPropertyList, WhatIsPlainMeansTheSameAsInAllXML) {
   for (const std::string& text : std::initializer_list<std::string>{
            "<true/>", " \n\t<array/>\n ", "<plist version=\"1.0\"><string>a</string></plist>",
-           kHead + std::string("<plist version=\"1.0\">\n<string>a]]&gt;b]]</string>\n</plist>\n"),
+           kHead + std::string("<plist version=\"1.0\">\n<string>a]]&gt;b]]</string>\n"
+                               "</plist>\n"),
            "<string>&lt;&gt;&amp;&quot;&apos;&#13;&#x1F600;&#233;&#x9;&#x10FFFF;&#xD7FF;</string>",
            "<string>\x7F\u0080\u0085\u2028\uFFFD😀</string>",
            "<dict><key>a&amp;b</key><false></false><key></key><data> AA==\n</data></dict>",
@@ -58,7 +59,7 @@ TEST(PlainXMLPropertyList, EverythingElseIsLeftToTheReaderOfAllXML) {
                                           "<true/",
                                           "<true />",
                                           "<true></true >",
-                                                                         "<plist version='1.0'><true/></plist>",
+                                          "<plist version='1.0'><true/></plist>",
                                           "<plist version=\"1.0\"><true/></plist><!-- -->",
                                           "<?xml version=\"1.0\"?><true/>",
                                           " <?xml version=\"1.0\" encoding=\"UTF-8\"?><true/>",

@@ -41,7 +41,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   using namespace kbx;
   auto input = NSData::dataWithBytes(bytes, size);
   const std::string expected = replaced(replaced(input->view(), "\r\n"), "\r");
-  for (auto loop : {LineBreakLoop::Wide, LineBreakLoop::Narrow, LineBreakLoop::Bytewise})
+  for (auto loop : {LineBreakLoop::Compressing, LineBreakLoop::Wide, LineBreakLoop::Narrow,
+                    LineBreakLoop::Bytewise})
     checkLoop(input, loop, expected);
 
   auto output = kbxDataByNormalizingLineBreaks(input);

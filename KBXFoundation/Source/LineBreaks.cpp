@@ -127,20 +127,65 @@ Cursor copyNarrowBlocks(Bytes input, Cursor cursor) {
   return copyBlocks<NarrowBlock>(input, cursor);
 }
 
+#define KBX_COMPRESSING __attribute__((target("avx512bw,avx512vbmi2,popcnt")))
+
+/// For processors that leave bytes out of 64 by one instruction, and read and write any part of 64.
+struct CompressedBlock {
+  __m512i bytes;
+  std::size_t length;
+
+  /// isInput  a bit for each byte that the block has
+  /// next     the byte behind it
+  KBX_COMPRESSING CompressedBlock(const std::uint8_t* block, std::uint64_t isInput,
+                                  bool isFeedNext) {
+    const __m512i lineFeed = _mm512_set1_epi8('\n');
+    const __m512i read = _mm512_maskz_loadu_epi8(isInput, block);
+    const std::uint64_t returns = _mm512_cmpeq_epi8_mask(read, _mm512_set1_epi8('\r'));
+    const std::uint64_t feeds = _mm512_cmpeq_epi8_mask(read, lineFeed);
+    const std::uint64_t pairs = returns & (feeds >> 1 | std::uint64_t{isFeedNext} << 63);
+    const std::uint64_t kept = isInput & ~pairs;
+    bytes = _mm512_maskz_compress_epi8(kept, _mm512_mask_mov_epi8(read, returns, lineFeed));
+    length = static_cast<std::size_t>(std::popcount(kept));
+  }
+};
+
+/// What is written too far is overwritten by what comes next; it never gets behind the bytes read.
+KBX_COMPRESSING Cursor copyCompressing(Bytes input, Cursor cursor) {
+  constexpr std::size_t kWhole = 64;
+  constexpr std::uint64_t kAll = ~std::uint64_t{0};
+  for (; cursor.read + kWhole < input.size(); cursor.read += kWhole) {
+    const std::uint8_t* from = input.data() + cursor.read;
+    const CompressedBlock block(from, kAll, from[kWhole] == '\n');
+    _mm512_storeu_si512(cursor.write, block.bytes);
+    cursor.write += block.length;
+  }
+  if (cursor.read == input.size()) return cursor;
+  const std::uint64_t isInput = kAll >> (kWhole - (input.size() - cursor.read));
+  const CompressedBlock block(input.data() + cursor.read, isInput, false);
+  _mm512_mask_storeu_epi8(cursor.write, kAll >> (kWhole - block.length), block.bytes);
+  return {input.size(), cursor.write + block.length};
+}
+
+bool hasCompressing() {
+  return __builtin_cpu_supports("avx512bw") && __builtin_cpu_supports("avx512vbmi2");
+}
 bool hasWideBlocks() { return __builtin_cpu_supports("avx2"); }
 constexpr bool kHasNarrowBlocks = true;
 
 #else
 
+bool hasCompressing() { return false; }
 bool hasWideBlocks() { return false; }
 constexpr bool kHasNarrowBlocks = false;
+Cursor copyCompressing(Bytes, Cursor cursor) { return cursor; }
 Cursor copyWideBlocks(Bytes, Cursor cursor) { return cursor; }
 Cursor copyNarrowBlocks(Bytes, Cursor cursor) { return cursor; }
 
 #endif
 
 LineBreakLoop fastestLoop() {
-  if (hasLineBreakLoop(LineBreakLoop::Wide)) return LineBreakLoop::Wide;
+  if (hasCompressing()) return LineBreakLoop::Compressing;
+  if (hasWideBlocks()) return LineBreakLoop::Wide;
   return kHasNarrowBlocks ? LineBreakLoop::Narrow : LineBreakLoop::Bytewise;
 }
 
@@ -148,6 +193,8 @@ LineBreakLoop fastestLoop() {
 
 bool hasLineBreakLoop(LineBreakLoop loop) {
   switch (loop) {
+    case LineBreakLoop::Compressing:
+      return hasCompressing();
     case LineBreakLoop::Wide:
       return hasWideBlocks();
     case LineBreakLoop::Narrow:
@@ -159,6 +206,7 @@ bool hasLineBreakLoop(LineBreakLoop loop) {
 
 std::size_t copyWithLineFeeds(Bytes input, std::uint8_t* output, LineBreakLoop loop) {
   Cursor cursor = copyPrefix(input, output);
+  if (loop == LineBreakLoop::Compressing) cursor = copyCompressing(input, cursor);
   if (loop == LineBreakLoop::Wide) cursor = copyWideBlocks(input, cursor);
   if (loop == LineBreakLoop::Narrow) cursor = copyNarrowBlocks(input, cursor);
   cursor = copyBytes(input, cursor);

@@ -7,8 +7,9 @@
 
 namespace kbx {
 
-/// The ways to do it, the fastest first: 32 bytes in one register, in two, or one byte at a time.
-enum class LineBreakLoop : std::uint8_t { Wide, Narrow, Bytewise };
+/// The ways to do it, the fastest first: 64 bytes with an instruction that leaves some out, 32
+/// bytes in one register, in two, or one byte at a time.
+enum class LineBreakLoop : std::uint8_t { Compressing, Wide, Narrow, Bytewise };
 
 /// Whether the processor can run the loop. Every one can run Bytewise.
 bool hasLineBreakLoop(LineBreakLoop loop);

@@ -79,8 +79,8 @@ TEST_P(LineBreaks, NothingElseChanges) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Loops, LineBreaks,
-                         testing::Values(LineBreakLoop::Wide, LineBreakLoop::Narrow,
-                                         LineBreakLoop::Bytewise));
+                         testing::Values(LineBreakLoop::Compressing, LineBreakLoop::Wide,
+                                         LineBreakLoop::Narrow, LineBreakLoop::Bytewise));
 
 TEST(LineBreaksChoice, EveryProcessorCanGoByteByByte) {
   EXPECT_TRUE(hasLineBreakLoop(LineBreakLoop::Bytewise));

@@ -159,7 +159,8 @@ void NSMutableDictionary::removeObjectForKey(NSObject* key) { remove(key); }
 
 void NSMutableDictionary::removeAllObjects() {
   const Ref<NSDictionary> removed = immutableCopy();
-  assign(*NSDictionary::dictionary());
+  const Ref<NSDictionary> none = NSDictionary::dictionary();
+  assign(*none);
 }
 
 void NSMutableDictionary::addEntriesFromDictionary(NSDictionary* other) {

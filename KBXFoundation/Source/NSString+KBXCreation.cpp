@@ -7,6 +7,7 @@
 #include "platform/files/NSURL.h"
 #include "platform/objects/NSNumber.h"
 #include "platform/system/UUID.h"
+#include "platform/text/Charsets.h"
 
 namespace kbx {
 namespace {

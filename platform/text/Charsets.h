@@ -1,7 +1,9 @@
 // Charsets: what is known of each encoding beside its number.
 #pragma once
 
+#include <cstdint>
 #include <span>
+#include <string_view>
 
 #include "platform/Export.h"
 #include "platform/text/StringEncoding.h"
@@ -19,5 +21,9 @@ KBX_PLATFORM std::span<const Charset> charsets();
 
 /// The entry of an encoding; nullptr when nobody here knows the number.
 KBX_PLATFORM const Charset* charsetOf(NSStringEncoding encoding);
+
+/// The number of a charset by one of its names in the IANA registry or a customary one, in any
+/// case; 0 when nobody knows it.
+KBX_PLATFORM NSStringEncoding encodingOfCharset(std::string_view charset);
 
 }  // namespace kbx

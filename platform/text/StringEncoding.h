@@ -1,11 +1,7 @@
-// String encodings: their numbers, their names, and text from bytes of a named charset.
+// String encodings: their numbers. Charsets.h knows the rest.
 #pragma once
 
 #include <cstdint>
-#include <string_view>
-
-#include "platform/Export.h"
-#include "platform/objects/NSString.h"
 
 namespace kbx {
 
@@ -37,13 +33,5 @@ enum NSStringEncoding : std::uint64_t {
 };
 
 inline constexpr std::uint64_t kExternalEncoding = 0x80000000;
-
-/// The text of bytes in a charset of the IANA registry, where each malformed sequence becomes
-/// U+FFFD. Absent when nobody knows the charset. A byte-order mark stays in the text.
-KBX_PLATFORM Ref<NSString> stringWithCharset(std::string_view bytes, const char* charset);
-
-/// The number of a charset by one of its names in the IANA registry or a customary one, in any
-/// case; 0 when nobody knows it.
-KBX_PLATFORM NSStringEncoding encodingOfCharset(std::string_view charset);
 
 }  // namespace kbx

@@ -9,6 +9,8 @@
 #include "platform/files/NSURL.h"
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSError.h"
+#include "platform/text/CharsetConverter.h"
+#include "platform/text/Charsets.h"
 #include "platform/text/UTF8.h"
 
 namespace kbx {
@@ -52,6 +54,13 @@ std::string statisticalCharset(std::string_view bytes) {
 
 void store(NSStringEncoding* usedEncoding, std::string_view charset) {
   if (usedEncoding) *usedEncoding = encodingOfCharset(charset);
+}
+
+/// The text of bytes in a charset, with U+FFFD for each malformed sequence; absent when the
+/// conversion library does not know the charset.
+Ref<NSString> stringWithCharset(std::string_view bytes, const char* charset) {
+  auto units = decodeCharset(bytes, charset, true);
+  return units ? NSString::stringByTakingUTF16(*std::move(units)) : nullptr;
 }
 
 Ref<NSString> markedText(std::string_view bytes, const ByteOrderMark& mark) {

@@ -18,6 +18,7 @@ constexpr std::size_t kStep = 8;
 constexpr std::size_t kBlock = 32;
 using Bytes8 = Byte __attribute__((vector_size(8)));
 using Bytes16 = Byte __attribute__((vector_size(16)));
+using SignedBytes16 = std::int8_t __attribute__((vector_size(16)));
 using Units8 = std::uint16_t __attribute__((vector_size(16)));
 using Units16 = std::uint16_t __attribute__((vector_size(32)));
 using Words2 = std::uint64_t __attribute__((vector_size(16)));
@@ -169,12 +170,30 @@ struct Decoder : Converter<Byte, char16_t> {
     return true;
   }
 
+  /// Four sequences of two bytes at once, of which those up to the first that is none count: no
+  /// branch depends on where words end. False where there are fewer, or no room to look.
+  [[gnu::always_inline]] bool readFourTwos() noexcept {
+    if (std::endian::native != std::endian::little || left() < kStep || room() < 4) return false;
+    const std::uint64_t word = wordAt(from);
+    constexpr std::uint64_t kEach = 0x0001000100010001;  // the lead is the lower byte of its lane
+    const std::uint64_t isOther = (word & 0xC0E0 * kEach) ^ 0x80C0 * kEach;
+    const std::uint64_t isOverlong = (0x20 * kEach - (word & 0x1E * kEach)) & 0x20 * kEach;
+    const std::uint64_t units = (word & 0x1F * kEach) << 6 | (word >> 8 & 0x3F * kEach);
+    const std::size_t count = charactersBefore<char16_t>(isOther | isOverlong);
+    std::memcpy(to, &units, sizeof units);
+    from += 2 * count, to += count;
+    return count == 4;
+  }
+
   /// Sequences of two bytes, while they last.
   [[gnu::always_inline]] bool readTwos() noexcept {
     do {
       if (*from < 0xC2 || left() < 2 || !isTrail(from[1])) return false;
       *to++ = static_cast<char16_t>((*from & 0x1Fu) << 6 | (from[1] & 0x3Fu));
       from += 2;
+      if (from == end || (*from & 0xE0) != 0xC0) return true;  // alone, as in most Latin texts
+      while (readFourTwos()) {
+      }
     } while (from < end && (*from & 0xE0) == 0xC0);
     return true;
   }
@@ -182,6 +201,16 @@ struct Decoder : Converter<Byte, char16_t> {
   /// Sequences of three bytes, while they last.
   [[gnu::always_inline]] bool readThrees() noexcept {
     constexpr unsigned kBadRows = 1u << 0 | 1u << 27;  // below U+0800; surrogates
+    while (std::endian::native == std::endian::little && left() >= 4) {
+      std::uint32_t word;  // the lead is its lowest byte
+      std::memcpy(&word, from, sizeof word);
+      if ((word & 0xC0C0F0) != 0x8080E0) break;
+      const std::uint32_t unit = (word & 0xF) << 12 | (word >> 2 & 0xFC0) | (word >> 16 & 0x3F);
+      if (kBadRows >> (unit >> 11) & 1) return false;
+      *to++ = static_cast<char16_t>(unit);
+      from += 3;
+    }
+    if (from == end || (*from & 0xF0) != 0xE0) return true;
     do {
       if (left() < 3) return false;
       const unsigned second = from[1] ^ 0x80u, third = from[2] ^ 0x80u;
@@ -287,17 +316,18 @@ struct Encoder : Converter<char16_t, char> {
 /// How many units valid UTF-8 has: one a byte, none for a trailing byte, and a second one for a
 /// sequence of four. Of other bytes, at least as many as the valid ones up to the first malformed
 /// sequence have.
-std::size_t unitCount(std::string_view bytes) noexcept {
+///
+/// ascii  how many at the start are known to be ASCII
+std::size_t unitCount(std::string_view bytes, std::size_t ascii) noexcept {
   constexpr std::size_t kRun = 64 * sizeof(Bytes16);  // a byte's lane sums up so many
-  const std::size_t ascii = asciiPrefixLength(bytes);
   std::size_t count = ascii, i = ascii;
   while (i + sizeof(Bytes16) <= bytes.size()) {
     Bytes16 lanes{}, next;
     for (const std::size_t stop = std::min(bytes.size(), i + kRun); i + sizeof next <= stop;
          i += sizeof next) {
       std::memcpy(&next, bytes.data() + i, sizeof next);
-      // A comparison that holds is -1.
-      lanes -= reinterpret_cast<Bytes16>((next & 0xC0) != 0x80);
+      // A comparison that holds is -1. Of signed bytes, trailing ones are the least.
+      lanes -= reinterpret_cast<Bytes16>(reinterpret_cast<SignedBytes16>(next) > -65);
       lanes -= reinterpret_cast<Bytes16>((next & 0xF0) == 0xF0);
     }
     for (std::size_t lane = 0; lane < sizeof lanes; ++lane) count += lanes[lane];
@@ -327,7 +357,9 @@ std::size_t asciiPrefixLength(std::u16string_view units) noexcept {
 }
 
 std::optional<std::u16string> utf16FromUTF8(std::string_view bytes) {
-  std::u16string units(unitCount(bytes), u'\0');
+  const std::size_t ascii = asciiPrefixLength(bytes);
+  if (ascii == bytes.size()) return std::u16string(bytes.begin(), bytes.end());
+  std::u16string units(unitCount(bytes, ascii), u'\0');
   if (!decoder(bytes, units).run()) return std::nullopt;
   return units;
 }

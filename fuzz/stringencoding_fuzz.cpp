@@ -1,12 +1,14 @@
 // Text from bytes in every encoding and back. The first byte chooses the encoding.
 #include <cstdint>
 #include <cstdlib>
+#include <string>
 #include <string_view>
 #include <vector>
 
 #include "NSString+KBXConversionsBasics.h"
 #include "NSString+KBXCreation.h"
 #include "platform/text/Charsets.h"
+#include "platform/text/UTF8.h"
 
 namespace kbx {
 namespace {
@@ -60,6 +62,17 @@ void decodeAndEncode(NSData* bytes, NSStringEncoding encoding) {
   if (isExact(encoding)) require(isEqual(text->dataUsingEncoding(encoding), bytes));
 }
 
+/// Long text stays in UTF-8 and is checked by another piece of code than short text.
+void decodeBehindLongText(NSData* bytes) {
+  std::string longer;
+  for (int i = 0; i < 1000; ++i) longer += "\u00E9";
+  longer += bytes->view();
+  const Ref<NSString> kept = NSString::stringWithUTF8(longer);
+  const auto units = utf16FromUTF8(longer);
+  require((kept != nullptr) == units.has_value());
+  if (kept) require(isEqual(kept, NSString::stringWithUTF16(*units)));
+}
+
 }  // namespace
 }  // namespace kbx
 
@@ -69,6 +82,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* bytes, std::size_t siz
   const NSStringEncoding encoding = encodings()[bytes[0] % encodings().size()];
   const Ref<NSData> data = NSData::dataWithBytes(bytes + 1, size - 1);
   decodeAndEncode(data, encoding);
+  decodeBehindLongText(data);
   // Any units are a text as well.
   const std::string_view pairs = data->view().substr(data->length() % 2);
   encodeAndDecode(

@@ -8,11 +8,9 @@ namespace kbx {
 /// Another object with the same text. Immutable objects are often their own copies; callers of the
 /// string utilities are promised one that is not.
 inline Ref<NSString> newCopy(const NSString* string) {
+  if (const auto bytes = string->keptUTF8()) return NSString::stringWithUTF8(*bytes);
   return string->visitUnits([](auto units) {
-    if constexpr (sizeof(units[0]) == 1)
-      return NSString::stringWithUTF8({units.data(), units.size()});
-    else
-      return NSString::stringWithUTF16({units.data(), units.size()});
+    return NSString::stringByTakingUTF16(std::u16string(units.begin(), units.end()));
   });
 }
 

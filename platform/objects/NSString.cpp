@@ -1,7 +1,6 @@
 #include "platform/objects/NSString.h"
 
 #include <algorithm>
-#include <cstring>
 #include <mutex>
 #include <unordered_map>
 
@@ -19,6 +18,12 @@ KBX_CLASS(NSString)
 KBX_ADOPTS(NSString, NSCoding)
 
 namespace {
+
+// From how many bytes on text that is not ASCII stays in UTF-8. Measured: of 1 kB, to convert takes
+// two to seven times as long as to check and keep, and to convert later a third more than at once.
+// Below, what can be won is less than what is lost on names and keys, whose units are asked for at
+// once.
+constexpr std::size_t kLeastKeptUTF8 = 1024;
 
 template <class Units>
 class StoredString final : public NSString {
@@ -42,9 +47,29 @@ class SharedString final : public NSString {
   explicit SharedString(NSData* bytes) : _bytes(bytes) { setUnits(bytes->view()); }
 
  private:
-  NSData* sharedBytes() const override { return _bytes; }
+  NSData* sharedBytes() const noexcept override { return _bytes; }
 
   const Ref<NSData> _bytes;
+};
+
+/// Text over the buffer of valid UTF-8 that it came in. What is read, handed on and written again
+/// is never converted.
+class KeptUTF8 final : public NSString {
+ public:
+  explicit KeptUTF8(NSData* bytes) : _bytes(bytes) { deferUnits(); }
+
+ private:
+  NSData* sharedBytes() const noexcept override { return _bytes; }
+  void makeUnits() const override {
+    std::call_once(_isConverted, [this] {
+      _converted = utf16FromUTF8(_bytes->view()).value();
+      setDeferredUnits(_converted);
+    });
+  }
+
+  const Ref<NSData> _bytes;
+  mutable std::once_flag _isConverted;
+  mutable std::u16string _converted;
 };
 
 template <class A, class B>
@@ -82,16 +107,31 @@ NSString::~NSString() = default;
 
 void NSString::setUnits(std::string_view ascii) {
   // An empty buffer may have no address, which the C library's functions do not take.
-  _units = ascii.empty() ? "" : ascii.data(), _length = ascii.size(), _wide = false;
+  _units.store(ascii.empty() ? "" : ascii.data(), std::memory_order_relaxed);
+  _length = ascii.size(), _wide = false;
 }
 void NSString::setUnits(std::u16string_view units) {
-  _units = units.data(), _length = units.size(), _wide = true;
+  _units.store(units.data(), std::memory_order_relaxed);
+  _length = units.size(), _wide = true;
+}
+void NSString::deferUnits() {
+  _units.store(nullptr, std::memory_order_relaxed);
+  _wide = true;
+}
+void NSString::setDeferredUnits(std::u16string_view units) const {
+  _length = units.size();
+  _units.store(units.data(), std::memory_order_release);  // what tells the others that both are set
 }
 
 Ref<NSString> NSString::string() { return ""_ns; }
 
 Ref<NSString> NSString::stringWithUTF8(std::string_view bytes) {
-  if (asciiPrefixLength(bytes) == bytes.size()) return stored(std::string(bytes));
+  const std::size_t ascii = asciiPrefixLength(bytes);
+  if (ascii == bytes.size()) return stored(std::string(bytes));
+  if (bytes.size() >= kLeastKeptUTF8) {
+    if (!isUTF8(bytes.substr(ascii))) return nullptr;
+    return Ref<NSString>::adopt(new KeptUTF8(NSData::dataWithBytes(bytes)));
+  }
   auto units = utf16FromUTF8(bytes);
   return units ? stored(std::move(*units)) : nullptr;
 }
@@ -103,9 +143,14 @@ Ref<NSString> NSString::stringByTakingUTF8(std::string bytes) {
 
 Ref<NSString> NSString::stringWithUTF8(NSData* bytes) {
   if (!bytes) return nullptr;
-  if (asciiPrefixLength(bytes->view()) < bytes->length()) return stringWithUTF8(bytes->view());
+  const std::string_view view = bytes->view();
+  const std::size_t ascii = asciiPrefixLength(view);
+  if (ascii < view.size() && view.size() < kLeastKeptUTF8) return stringWithUTF8(view);
+  if (!isUTF8(view.substr(ascii))) return nullptr;
   // A mutable buffer may change or move; copy() makes one that does not.
-  return Ref<NSString>::adopt(new SharedString(bytes->copy()));
+  const Ref<NSData> kept = bytes->copy();
+  if (ascii == view.size()) return Ref<NSString>::adopt(new SharedString(kept));
+  return Ref<NSString>::adopt(new KeptUTF8(kept));
 }
 
 Ref<NSString> NSString::stringWithLossyUTF8(std::string_view bytes) {
@@ -138,24 +183,30 @@ NSString* NSString::constant(std::string_view literal) {
 }
 
 char16_t NSString::characterAtIndex(std::size_t index) const {
-  if (index >= _length) raiseRange("-[NSString characterAtIndex:]: Range or index out of bounds");
+  if (index >= length()) raiseRange("-[NSString characterAtIndex:]: Range or index out of bounds");
   return visitUnits([=](auto units) { return static_cast<char16_t>(units[index]); });
 }
 
+std::optional<std::string_view> NSString::keptUTF8() const {
+  if (!_wide) return unitBytes();
+  if (const NSData* bytes = sharedBytes()) return bytes->view();
+  return std::nullopt;
+}
+
 std::optional<std::string> NSString::UTF8String() const {
-  if (!_wide) return std::string(static_cast<const char*>(_units), _length);
-  return utf8FromUTF16({static_cast<const char16_t*>(_units), _length});
+  if (const auto bytes = keptUTF8()) return std::string(*bytes);
+  return utf8FromUTF16({static_cast<const char16_t*>(units()), _length});
 }
 
 std::string NSString::lossyUTF8() const {
-  if (auto text = UTF8String()) return *text;
-  return lossyUTF8FromUTF16({static_cast<const char16_t*>(_units), _length});
+  if (auto text = UTF8String()) return *std::move(text);
+  return lossyUTF8FromUTF16({static_cast<const char16_t*>(units()), _length});
 }
 
 Ref<NSData> NSString::UTF8Data() const {
   if (NSData* bytes = sharedBytes()) return bytes;
-  if (!_wide) return NSData::dataWithBytes(_units, _length);
-  auto text = UTF8String();
+  if (!_wide) return NSData::dataWithBytes(unitBytes());
+  const auto text = UTF8String();
   return text ? NSData::dataWithBytes(*text) : nullptr;
 }
 
@@ -172,7 +223,7 @@ NSComparisonResult NSString::compare(NSString* other) const {
 }
 
 bool NSString::hasPrefix(NSString* prefix) const {
-  if (!prefix || prefix->_length == 0 || prefix->_length > _length) return false;
+  if (!prefix || prefix->length() == 0 || prefix->length() > length()) return false;
   return visitUnits([=](auto units) {
     return prefix->visitUnits(
         [=](auto wanted) { return areSame(units.first(wanted.size()), wanted); });
@@ -180,7 +231,7 @@ bool NSString::hasPrefix(NSString* prefix) const {
 }
 
 bool NSString::hasSuffix(NSString* suffix) const {
-  if (!suffix || suffix->_length == 0 || suffix->_length > _length) return false;
+  if (!suffix || suffix->length() == 0 || suffix->length() > length()) return false;
   return visitUnits([=](auto units) {
     return suffix->visitUnits(
         [=](auto wanted) { return areSame(units.last(wanted.size()), wanted); });
@@ -188,21 +239,21 @@ bool NSString::hasSuffix(NSString* suffix) const {
 }
 
 NSRange NSString::rangeOfString(NSString* text) const {
-  if (!text || text->_length == 0) return kRangeNotFound;
+  if (!text || text->length() == 0) return kRangeNotFound;
   const std::size_t found = UnitSearch(*this, *text).next(0);
-  return found == _length ? kRangeNotFound : NSRange{found, text->_length};
+  return found == length() ? kRangeNotFound : NSRange{found, text->length()};
 }
 
 Ref<NSString> NSString::substringWithRange(NSRange range) const {
-  if (range.location > _length || range.length > _length - range.location)
+  if (range.location > length() || range.length > length() - range.location)
     raiseRange("-[NSString substringWithRange:]: Range or index out of bounds");
   return visitUnits(
       [=](auto units) { return stringOfUnits(units.subspan(range.location, range.length)); });
 }
 
 Ref<NSString> NSString::substringFromIndex(std::size_t index) const {
-  if (index > _length) raiseRange("-[NSString substringFromIndex:]: Index out of bounds");
-  return substringWithRange({index, _length - index});
+  if (index > length()) raiseRange("-[NSString substringFromIndex:]: Index out of bounds");
+  return substringWithRange({index, length() - index});
 }
 
 Ref<NSString> NSString::substringToIndex(std::size_t index) const {
@@ -246,14 +297,17 @@ Ref<NSString> NSString::description() const { return const_cast<NSString*>(this)
 
 bool NSString::isEqual(NSObject* other) const {
   auto* string = cast<NSString>(other);
-  // The same text is always kept in the same form, so equal text has equal bytes.
-  if (!string || string->_length != _length || string->_wide != _wide) return false;
-  return std::memcmp(_units, string->_units, _length * (_wide ? sizeof(char16_t) : 1)) == 0;
+  if (!string || string->_wide != _wide) return false;
+  // Equal text has equal bytes where it is kept in the same form.
+  const auto mine = keptUTF8(), theirs = string->keptUTF8();
+  return mine && theirs ? *mine == *theirs : unitBytes() == string->unitBytes();
 }
 
-std::size_t NSString::hash() const {
-  return std::hash<std::string_view>{}(
-      {static_cast<const char*>(_units), _length * (_wide ? sizeof(char16_t) : 1)});
+std::size_t NSString::hash() const { return std::hash<std::string_view>{}(unitBytes()); }
+
+std::string_view NSString::unitBytes() const {
+  const auto* first = static_cast<const char*>(units());
+  return {first, _length * (_wide ? sizeof(char16_t) : 1)};
 }
 
 }  // namespace kbx

@@ -1,6 +1,7 @@
 // NSString: immutable text, measured in UTF-16 code units.
 #pragma once
 
+#include <atomic>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -27,15 +28,16 @@ enum NSComparisonResult : std::int8_t {
 /// Text whose length and indices count UTF-16 code units.
 ///
 /// ASCII text is kept as bytes: one byte is one unit, and the bytes are its UTF-8 form as well.
-/// Any other text is kept as UTF-16, lone surrogates included. No result depends on the form.
-/// Every instance is immutable and may be shared between threads.
+/// Any other text is kept as UTF-16, lone surrogates included. Only long text that came as UTF-8
+/// stays in it, checked, until somebody asks for its length or its units; then it has both. No
+/// result depends on the form. Every instance is immutable and may be shared between threads.
 class KBX_PLATFORM NSString : public NSObject {
   KBX_OBJECT(NSString, NSObject)
  public:
   static Ref<NSString> string();
   /// The text of UTF-8 bytes; absent when they are not valid UTF-8.
   static Ref<NSString> stringWithUTF8(std::string_view bytes);
-  /// The same text without a copy where the bytes are ASCII: the string keeps the buffer.
+  /// The same text without a copy where the bytes are ASCII or long: the string keeps the buffer.
   static Ref<NSString> stringWithUTF8(NSData* bytes);
   /// The same text, keeping the bytes that are moved in where they are ASCII.
   static Ref<NSString> stringByTakingUTF8(std::string bytes);
@@ -50,7 +52,10 @@ class KBX_PLATFORM NSString : public NSObject {
   /// The one object that stands for a literal's text, process-wide. Behind operator""_ns.
   static NSString* constant(std::string_view ascii);
 
-  std::size_t length() const noexcept { return _length; }
+  std::size_t length() const {
+    static_cast<void>(units());
+    return _length;
+  }
   bool isASCII() const noexcept { return !_wide; }
   /// Raises NSRangeException when index >= length().
   char16_t characterAtIndex(std::size_t index) const;
@@ -61,13 +66,17 @@ class KBX_PLATFORM NSString : public NSObject {
   /// The bytes of the UTF-8 form; absent when the text holds a lone surrogate. Shares the buffer
   /// with a string that was made from one.
   Ref<NSData> UTF8Data() const;
+  /// The UTF-8 form where the text is kept in it, for writers, who need no units. Absent otherwise,
+  /// never for ASCII text. Valid as long as the text.
+  std::optional<std::string_view> keptUTF8() const;
 
   /// Calls visitor with a std::span<const char> (ASCII) or a std::span<const char16_t>, so that
   /// one generic lambda runs without a test per unit on both forms.
   template <class Visitor>
   decltype(auto) visitUnits(Visitor&& visitor) const {
-    return _wide ? visitor(std::span(static_cast<const char16_t*>(_units), _length))
-                 : visitor(std::span(static_cast<const char*>(_units), _length));
+    const void* const first = units();
+    return _wide ? visitor(std::span(static_cast<const char16_t*>(first), _length))
+                 : visitor(std::span(static_cast<const char*>(first), _length));
   }
 
   /// Order of the code units; an absent argument comes first. (compare:)
@@ -154,7 +163,7 @@ class KBX_PLATFORM NSString : public NSObject {
   ///
   /// UTF-16 and UTF-32 without a fixed order take it from a byte-order mark, which is not part of
   /// the text, and are in this machine's order without one. Lone surrogates are malformed
-  /// everywhere but in UTF-16. In UTF-8 ASCII text shares the buffer.
+  /// everywhere but in UTF-16. In UTF-8 ASCII text and long text share the buffer.
   static Ref<NSString> initWithData(NSData* data, NSStringEncoding encoding);
 
   /// The bytes of the text in an encoding. (dataUsingEncoding:allowLossyConversion:)
@@ -175,13 +184,28 @@ class KBX_PLATFORM NSString : public NSObject {
   ~NSString() override;
   void setUnits(std::string_view ascii);
   void setUnits(std::u16string_view units);
+  /// Says that the text is not ASCII and has its units when makeUnits() was called.
+  void deferUnits();
+  /// Makes and sets the units of a text that deferred them. Called by any thread, also by several
+  /// at once; they are there when it returns.
+  virtual void makeUnits() const {}
+  /// To be called once, by makeUnits().
+  void setDeferredUnits(std::u16string_view units) const;
 
  private:
-  /// The buffer behind ASCII text that was made from one; absent otherwise.
-  virtual NSData* sharedBytes() const { return nullptr; }
+  const void* units() const {
+    if (const void* units = _units.load(std::memory_order_acquire)) return units;
+    makeUnits();
+    return _units.load(std::memory_order_acquire);
+  }
+  /// The units as they lie in memory.
+  std::string_view unitBytes() const;
+  /// The buffer of the UTF-8 form of a text that was made from one; absent otherwise.
+  virtual NSData* sharedBytes() const noexcept { return nullptr; }
 
-  const void* _units = "";
-  std::size_t _length = 0;
+  // The length counts from the moment on that there are units.
+  mutable std::atomic<const void*> _units = "";
+  mutable std::size_t _length = 0;
   bool _wide = false;
 };
 

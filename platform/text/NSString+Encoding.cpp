@@ -145,7 +145,8 @@ Ref<NSString> NSString::initWithData(NSData* data, NSStringEncoding encoding) {
 
 Ref<NSData> NSString::dataUsingEncoding(NSStringEncoding encoding,
                                         bool allowLossyConversion) const {
-  if (isASCII() && keepsASCII(encoding)) return UTF8Data();
+  const bool isKept = keptUTF8() && encoding == NSUTF8StringEncoding;
+  if (isKept || (isASCII() && keepsASCII(encoding))) return UTF8Data();
   const auto bytes = visitUnits([=](auto units) {
     if constexpr (sizeof(units[0]) == 1)
       return encode(std::u16string(units.begin(), units.end()), encoding, allowLossyConversion);

@@ -17,7 +17,7 @@ class NSURL;
 ///
 /// A byte-order mark decides and is not part of the text. Without one, valid UTF-8 is UTF-8; any
 /// other bytes are what a statistical detector takes them for, with U+FFFD for what is malformed
-/// in that encoding. ASCII and UTF-8 cost one pass; ASCII text shares the buffer.
+/// in that encoding. ASCII and UTF-8 cost one pass; ASCII and long UTF-8 text share the buffer.
 KBX_PLATFORM Ref<NSString> stringByDetectingEncoding(NSData* bytes, NSStringEncoding* usedEncoding);
 
 /// The text of a file, its encoding detected. (stringWithContentsOfURL:usedEncoding:error:)

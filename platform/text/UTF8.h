@@ -15,6 +15,9 @@ KBX_PLATFORM std::size_t asciiPrefixLength(std::string_view bytes) noexcept;
 /// How many units at the start are ASCII.
 KBX_PLATFORM std::size_t asciiPrefixLength(std::u16string_view units) noexcept;
 
+/// Whether the bytes are valid UTF-8, checked many at a time.
+KBX_PLATFORM bool isUTF8(std::string_view bytes) noexcept;
+
 /// The UTF-16 units of UTF-8; absent when the bytes are not valid (overlong forms, surrogates,
 /// values beyond U+10FFFF and cut sequences are not).
 KBX_PLATFORM std::optional<std::u16string> utf16FromUTF8(std::string_view bytes);

@@ -9,6 +9,7 @@
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSException.h"
 #include "platform/objects/NSNumber.h"
+#include "platform/text/StringEncoding.h"
 #include "tests/support/Text.h"
 
 namespace kbx {
@@ -127,6 +128,95 @@ TEST(NSString, AStringOverAMutableBufferKeepsItsText) {
   data->mutableBytes()[0] = 0xFF;
   data->setLength(100000);
   EXPECT_EQ(text(made), "ascii");
+}
+
+/// As much text as stays in UTF-8, with characters of every length.
+std::string longUTF8() {
+  std::string bytes;
+  while (bytes.size() < 5000) bytes += "caf\u00E9 \u96FB\U0001F600, ";
+  return bytes;
+}
+
+TEST(NSString, LongTextThatCameAsUTF8StaysInIt) {
+  const auto bytes = data(longUTF8());
+  const auto made = NSString::stringWithUTF8(bytes.get());
+  ASSERT_TRUE(made->keptUTF8().has_value());
+  EXPECT_EQ(static_cast<const void*>(made->keptUTF8()->data()), bytes->bytes());
+  EXPECT_TRUE(isSame(made->UTF8Data(), bytes));
+  EXPECT_TRUE(isSame(made->dataUsingEncoding(NSUTF8StringEncoding), bytes));
+  EXPECT_EQ(made->UTF8String(), bytes->view());
+  EXPECT_FALSE(made->isASCII());
+}
+
+TEST(NSString, LongTextHasItsUnitsAndItsUTF8Both) {
+  const auto bytes = data(longUTF8());
+  const auto expected = wide(units(string(longUTF8())));
+  const auto made = NSString::stringWithUTF8(bytes.get());
+  EXPECT_EQ(units(made), units(expected));
+  EXPECT_EQ(made->length(), expected->length());
+  EXPECT_EQ(made->characterAtIndex(3), u'\u00E9');
+  EXPECT_TRUE(isSame(made->UTF8Data(), bytes));
+  EXPECT_EQ(made->keptUTF8(), bytes->view());
+}
+
+TEST(NSString, OtherTextKeepsItsUTF8OnlyWhereItIsASCII) {
+  EXPECT_EQ("plain"_ns->keptUTF8(), "plain");
+  EXPECT_EQ(string("caf\u00E9")->keptUTF8(), std::nullopt);
+  EXPECT_EQ(wide(units(string(longUTF8())))->keptUTF8(), std::nullopt);
+}
+
+TEST(NSString, LongTextIsTheSameInEveryForm) {
+  const std::string bytes = longUTF8();
+  const auto kept = [&] { return NSString::stringWithUTF8(data(bytes).get()); };
+  const auto expected = wide(units(string(bytes)));
+  EXPECT_TRUE(isEqual(kept(), kept()));
+  EXPECT_TRUE(isEqual(kept(), expected));
+  EXPECT_TRUE(isEqual(expected, kept()));
+  EXPECT_EQ(kept()->hash(), expected->hash());
+  EXPECT_EQ(kept()->compare(expected), NSOrderedSame);
+  EXPECT_TRUE(kept()->hasPrefix(expected) && expected->hasSuffix(kept()));
+  EXPECT_EQ(expected->rangeOfString(kept()), NSRange(0, expected->length()));
+  for (const auto& other : {string(bytes + "x"), wide(u"\u00E9"), string(std::string(5000, 'x'))}) {
+    EXPECT_FALSE(isEqual(kept(), other));
+    EXPECT_FALSE(isEqual(other, kept()));
+  }
+  std::string last = bytes;
+  last.back() = '!';
+  EXPECT_FALSE(isEqual(kept(), string(last)));
+}
+
+TEST(NSString, NoLengthOfUTF8ChangesTheText) {
+  for (std::size_t length = 0; length < 3000; ++length) {
+    const std::string bytes = std::string(length, 'x') + "\u00E9";
+    const auto made = NSString::stringWithUTF8(data(bytes).get());
+    ASSERT_EQ(made->length(), length + 1);
+    ASSERT_EQ(made->UTF8String(), bytes);
+    ASSERT_TRUE(isEqual(made, string(bytes)));
+  }
+}
+
+TEST(NSString, MalformedUTF8IsNoTextAtAnyPlaceOfALongOne) {
+  const std::string around = longUTF8();
+  for (const char* malformed : {"\x80", "a\xC3", "\xC0\xAF", "\xED\xA0\x80", "\xF4\x90\x80\x80"}) {
+    for (const std::string& bytes :
+         {malformed + around, around + malformed + around, around + malformed}) {
+      EXPECT_EQ(string(bytes), nullptr);
+      EXPECT_EQ(NSString::stringWithUTF8(data(bytes).get()), nullptr);
+      EXPECT_EQ(NSString::stringByTakingUTF8(bytes), nullptr);
+      EXPECT_NE(text(NSString::stringWithLossyUTF8(bytes)).find("\uFFFD"), std::string::npos);
+    }
+  }
+}
+
+TEST(NSString, LongTextOverAMutableBufferKeepsItsText) {
+  const std::string bytes = longUTF8();
+  auto buffer = NSMutableData::data();
+  buffer->appendBytes(bytes);
+  auto made = NSString::stringWithUTF8(buffer.get());
+  buffer->mutableBytes()[0] = 0xFF;
+  buffer->setLength(100000);
+  EXPECT_EQ(text(made), bytes);
+  EXPECT_EQ(made->characterAtIndex(0), u'c');
 }
 
 TEST(NSString, TheUTF8DataIsTheUTF8Form) {

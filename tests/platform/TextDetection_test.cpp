@@ -97,9 +97,14 @@ TEST(TextDetection, AFileThatNobodyCanTellFailsWithAnErrorOfItsOwn) {
   EXPECT_EQ(stringWithContentsOfURL(url, nullptr, nullptr), nullptr);
 }
 
-TEST(TextDetection, ASCIITextSharesTheBuffer) {
-  auto bytes = data("only bytes");
-  EXPECT_TRUE(isSame(stringByDetectingEncoding(bytes, nullptr)->UTF8Data(), bytes));
+TEST(TextDetection, ASCIITextAndLongUTF8ShareTheBuffer) {
+  std::string utf8 = "Grüße 日本 😀";
+  while (utf8.size() < 5000) utf8 += utf8;
+  for (const std::string& one : {"only bytes"s, utf8}) {
+    auto bytes = data(one);
+    EXPECT_TRUE(isSame(stringByDetectingEncoding(bytes, nullptr)->UTF8Data(), bytes));
+    EXPECT_EQ(text(detect("\xEF\xBB\xBF" + one)), one);
+  }
 }
 
 }  // namespace

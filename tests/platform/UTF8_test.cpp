@@ -50,6 +50,7 @@ void expectSameAsICU(std::string_view bytes) {
   const std::vector<char> block(bytes.begin(), bytes.end());
   const std::string_view exact(block.data(), block.size());
   const auto decoded = utf16FromUTF8(exact);
+  ASSERT_EQ(isUTF8(exact), decoded.has_value()) << testing::PrintToString(bytes);
   ASSERT_EQ(decoded, icuDecode(bytes)) << testing::PrintToString(bytes);
   const std::u16string lossy = utf16FromLossyUTF8(exact);
   ASSERT_EQ(lossy, icuLossyDecode(bytes)) << testing::PrintToString(bytes);

@@ -1,6 +1,7 @@
 // What texts share between threads: tables made at first use, the order for display, iterators.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <string>
 #include <thread>
@@ -8,6 +9,7 @@
 
 #include "NSString+KBXBasics.h"
 #include "platform/text/DisplayOrder.h"
+#include "platform/text/UTF8.h"
 #include "tests/support/Text.h"
 
 namespace kbx {
@@ -28,6 +30,28 @@ TEST(TextsAndThreads, FoldingPagesAreMadeByWhoeverIsFirst) {
     EXPECT_TRUE(kbxHasDiacriticPrefix("Ⓔ\u0301"_ns, "Ⓔ"_ns));
     EXPECT_TRUE(kbxHasDiacriticInsensitivePrefix("ＡＢ"_ns, "a"_ns));
   });
+}
+
+TEST(TextsAndThreads, LongUTF8HasItsUnitsMadeOnceByWhoeverIsFirst) {
+  std::string bytes;
+  while (bytes.size() < 5000) bytes += "é電😀 ";
+  const std::u16string expected = *utf16FromUTF8(bytes);
+  for (int round = 0; round < 20; ++round) {
+    const Ref<NSString> text = string(bytes);
+    ASSERT_TRUE(text->keptUTF8().has_value());
+    onThreads([&] {
+      EXPECT_EQ(text->length(), expected.size());
+      const void* first = nullptr;
+      for (int again = 0; again < 2; ++again) {
+        text->visitUnits([&](auto units) {
+          EXPECT_TRUE(std::ranges::equal(units, expected));
+          EXPECT_TRUE(again == 0 || first == units.data());
+          first = units.data();
+        });
+      }
+      EXPECT_EQ(text->UTF8Data()->view(), bytes);
+    });
+  }
 }
 
 TEST(TextsAndThreads, AnOrderIsShared) {

@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::size_t kIndent = 4;
 constexpr std::size_t kDeepest = 64;
-constexpr SpecialASCII kSpecialInQuotes("\"\\");
+constexpr SpecialCharacters kSpecialInQuotes("\"\\");
 
 class AttributeText {
  public:

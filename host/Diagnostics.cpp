@@ -5,7 +5,7 @@
 namespace kbx {
 namespace {
 
-constexpr SpecialASCII kSpecialInLog("");
+constexpr SpecialCharacters kSpecialInLog("");
 
 }  // namespace
 

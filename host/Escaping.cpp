@@ -6,7 +6,7 @@ namespace kbx {
 namespace {
 
 constexpr char kDigits[] = "0123456789abcdef";
-constexpr SpecialASCII kSpecialOnOneLine("\\");
+constexpr SpecialCharacters kSpecialOnOneLine("\\");
 
 void writeHexadecimal(Output& output, unsigned value, unsigned digits) {
   while (digits-- > 0) output.write(kDigits[value >> 4 * digits & 0xF]);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <span>
 #include <string>
 #include <string_view>
@@ -22,25 +23,33 @@ constexpr bool isUnsafeUnit(char16_t unit) {
 /// Writes \t, \n, \r or \u and four hexadecimal digits.
 void writeUnitEscape(Output& output, char16_t unit);
 
-/// Which ASCII characters writeUTF8() hands over: the unsafe ones and those of `more`.
-class SpecialASCII {
+/// Which characters writeUTF8() hands over: the unsafe ones and, of ASCII, those of `more`.
+class SpecialCharacters {
  public:
-  constexpr explicit SpecialASCII(std::string_view more) {
-    for (char16_t unit = 0; unit < _isSpecial.size(); ++unit)
-      _isSpecial[unit] =
+  constexpr explicit SpecialCharacters(std::string_view more) {
+    for (char16_t unit = 0; unit < 0x80; ++unit)
+      _mayBegin[unit] =
           isUnsafeUnit(unit) || more.find(static_cast<char>(unit)) != std::string_view::npos;
+    for (char16_t unit = 0x80; unit < 0xFFFF; ++unit)
+      if (isUnsafeUnit(unit)) _mayBegin[unit < 0x800 ? 0xC0 | unit >> 6 : 0xE0 | unit >> 12] = true;
   }
-  /// unit < 0x80
-  constexpr bool contains(char16_t unit) const { return _isSpecial[unit]; }
+  constexpr bool contains(char16_t unit) const {
+    return unit < 0x80 ? _mayBegin[unit] : isUnsafeUnit(unit);
+  }
+  /// Whether the UTF-8 of one of them begins with the byte.
+  constexpr bool mayBeginWith(char byte) const {
+    return _mayBegin[static_cast<std::uint8_t>(byte)];
+  }
 
  private:
-  std::array<bool, 0x80> _isSpecial{};
+  std::array<bool, 0x100> _mayBegin{};
 };
 
-/// Writes the text as UTF-8, but hands special characters of ASCII, other unsafe units and lone
-/// surrogates to `escape(unit, next)`; next is the unit behind it, 0 at the end of the text.
+/// Writes the text as UTF-8, but hands special characters and lone surrogates to
+/// `escape(unit, next)`; next is the unit behind it, 0 at the end of the text. Text that is kept in
+/// UTF-8 is not converted.
 template <class Escape>
-void writeUTF8(Output& output, NSString* text, const SpecialASCII& special, Escape escape);
+void writeUTF8(Output& output, NSString* text, const SpecialCharacters& special, Escape escape);
 
 /// Writes the text on one line, with unsafe characters, lone surrogates and backslashes escaped.
 void writeOnOneLine(Output& output, NSString* text);
@@ -89,26 +98,63 @@ class UTF8Chunk {
   char _bytes[1024];
 };
 
-template <class Escape>
-void writeUnits(Output& output, std::span<const char> units, const SpecialASCII& special,
-                Escape& escape) {
-  std::size_t run = 0;
-  for (std::size_t i = 0; i < units.size(); ++i) {
-    const auto unit = static_cast<unsigned char>(units[i]);
-    if (!special.contains(unit)) continue;
-    output.write({units.data() + run, i - run});
-    const bool isLast = i + 1 == units.size();
-    escape(static_cast<char16_t>(unit), isLast ? u'\0' : static_cast<char16_t>(units[i + 1]));
-    run = i + 1;
+constexpr std::size_t sequenceLength(char lead) {
+  const auto byte = static_cast<std::uint8_t>(lead);
+  return byte < 0x80 ? 1 : byte < 0xE0 ? 2 : byte < 0xF0 ? 3 : 4;
+}
+
+/// The first unit of valid UTF-8; 0 of none.
+constexpr char16_t firstUnit(std::string_view bytes) {
+  if (bytes.empty()) return 0;
+  const auto byte = [&](std::size_t i) { return static_cast<std::uint8_t>(bytes[i]); };
+  const std::size_t length = sequenceLength(bytes[0]);
+  if (length == 1) return byte(0);
+  char32_t character = byte(0) & (0x7Fu >> length);
+  for (std::size_t i = 1; i < length; ++i) character = character << 6 | (byte(i) & 0x3Fu);
+  return static_cast<char16_t>(length < 4 ? character : 0xD7C0 + (character >> 10));
+}
+
+/// How many bytes at the start can begin no special character.
+inline std::size_t plainLength(std::string_view bytes, const SpecialCharacters& special) {
+  constexpr std::size_t kStep = 8;  // looked up together, with one branch for all
+  std::size_t i = 0;
+  for (; i + kStep <= bytes.size(); i += kStep) {
+    bool isSpecial = false;
+    for (std::size_t j = i; j < i + kStep; ++j) isSpecial |= special.mayBeginWith(bytes[j]);
+    if (isSpecial) break;
   }
-  output.write({units.data() + run, units.size() - run});
+  while (i < bytes.size() && !special.mayBeginWith(bytes[i])) ++i;
+  return i;
+}
+
+template <class Escape>
+void writeBytes(Output& output, std::string_view bytes, const SpecialCharacters& special,
+                Escape& escape) {
+  std::size_t run = 0, i = 0;
+  while ((i += plainLength(bytes.substr(i), special)) < bytes.size()) {
+    const char16_t unit = firstUnit(bytes.substr(i));
+    const std::size_t length = sequenceLength(bytes[i]);
+    if (special.contains(unit)) {
+      output.write(bytes.substr(run, i - run));
+      run = i + length;
+      escape(unit, firstUnit(bytes.substr(run)));
+    }
+    i += length;
+  }
+  output.write(bytes.substr(run));
+}
+
+template <class Escape>
+void writeUnits(Output& output, std::span<const char> ascii, const SpecialCharacters& special,
+                Escape& escape) {
+  writeBytes(output, {ascii.data(), ascii.size()}, special, escape);
 }
 
 constexpr bool isLead(char16_t unit) { return (unit & 0xFC00) == 0xD800; }
 constexpr bool isTrail(char16_t unit) { return (unit & 0xFC00) == 0xDC00; }
 
 template <class Escape>
-void writeUnits(Output& output, std::span<const char16_t> units, const SpecialASCII& special,
+void writeUnits(Output& output, std::span<const char16_t> units, const SpecialCharacters& special,
                 Escape& escape) {
   UTF8Chunk chunk(output);
   for (std::size_t i = 0; i < units.size(); ++i) {
@@ -116,7 +162,7 @@ void writeUnits(Output& output, std::span<const char16_t> units, const SpecialAS
     const bool isSurrogate = isLead(unit) || isTrail(unit);
     if (isLead(unit) && i + 1 < units.size() && isTrail(units[i + 1])) {
       chunk.append(0x10000 + ((unit & char32_t{0x3FF}) << 10) + (units[++i] & char32_t{0x3FF}));
-    } else if (isSurrogate || (unit < 0x80 ? special.contains(unit) : isUnsafeUnit(unit))) {
+    } else if (isSurrogate || special.contains(unit)) {
       chunk.flush();
       escape(unit, i + 1 < units.size() ? units[i + 1] : u'\0');
     } else {
@@ -128,7 +174,9 @@ void writeUnits(Output& output, std::span<const char16_t> units, const SpecialAS
 }  // namespace detail
 
 template <class Escape>
-void writeUTF8(Output& output, NSString* text, const SpecialASCII& special, Escape escape) {
+void writeUTF8(Output& output, NSString* text, const SpecialCharacters& special, Escape escape) {
+  if (const auto bytes = text->keptUTF8())
+    return detail::writeBytes(output, *bytes, special, escape);
   text->visitUnits([&](auto units) { detail::writeUnits(output, units, special, escape); });
 }
 

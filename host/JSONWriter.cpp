@@ -18,7 +18,7 @@
 namespace kbx {
 namespace {
 
-constexpr SpecialASCII kSpecialInJSON("\"\\");
+constexpr SpecialCharacters kSpecialInJSON("\"\\");
 
 }  // namespace
 

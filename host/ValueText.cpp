@@ -15,7 +15,7 @@ namespace kbx {
 namespace {
 
 constexpr std::size_t kIndent = 4;
-constexpr SpecialASCII kSpecialInQuotes("\"\\");
+constexpr SpecialCharacters kSpecialInQuotes("\"\\");
 
 /// A dash in front is left to options.
 bool startsWithDash(NSString* text) {

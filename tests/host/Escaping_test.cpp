@@ -55,6 +55,40 @@ TEST(Escaping, NothingThatDrivesATerminalIsWritten) {
     SCOPED_TRACE(what);
     EXPECT_EQ(onOneLine(text), escaped);
     EXPECT_EQ(onOneLine(std::u16string(text) + u"€"), std::string(escaped) + "€");
+    // Long text comes in the form that is written.
+    std::u16string longer;
+    std::string longerEscaped;
+    while (longer.size() < 3000) {
+      longer.append(text).append(u"é");
+      longerEscaped.append(escaped).append("é");
+    }
+    const Ref<NSString> kept = string(*NSString::stringWithUTF16(longer)->UTF8String());
+    ASSERT_TRUE(kept->keptUTF8().has_value());
+    EXPECT_EQ(onOneLine(longer), longerEscaped);
+    EXPECT_EQ(onOneLine(kept), longerEscaped);
+  }
+}
+
+TEST(Escaping, EveryCharacterIsWrittenTheSameInBothForms) {
+  std::u16string all;
+  for (char16_t unit = 0; unit < 0xFFFF; ++unit)
+    if (unit < 0xD800 || unit > 0xDFFF) all += unit;
+  all += u"\U00010000\U0001F600\U0010FFFF";
+  const Ref<NSString> units = NSString::stringWithUTF16(all), kept = string(*units->UTF8String());
+  ASSERT_TRUE(kept->keptUTF8() && !units->keptUTF8());
+  EXPECT_EQ(onOneLine(kept), onOneLine(units));
+}
+
+TEST(Escaping, TheUnitBehindASpecialOneIsKnown) {
+  constexpr SpecialCharacters special("");
+  const std::u16string lines =
+      u"\nx\n\u00E9\n\u96FB\n\U0001F600\n\n" + std::u16string(3000, u'\u00E9') + u"\n";
+  const Ref<NSString> units = NSString::stringWithUTF16(lines);
+  for (const auto& form : {units, string(*units->UTF8String())}) {
+    StringOutput output;
+    std::u16string behind;
+    writeUTF8(output, form, special, [&](char16_t, char16_t next) { behind += next; });
+    EXPECT_EQ(behind, (std::u16string{u'x', 0xE9, 0x96FB, 0xD83D, u'\n', 0xE9, 0}));
   }
 }
 

@@ -1,11 +1,10 @@
 // Raw import of a message through the driver, beside what no import can do without: reading the
-// file and checking that it is UTF-8, the check by simdjson. Text that is not ASCII is kept as
-// UTF-16, so it is also beside the same with ICU's conversion.
+// file and checking that it is UTF-8, the check by simdjson. Then the same with the host's output,
+// into a device that takes everything; and what it would cost to ask for the units of the text.
 #include <benchmark/benchmark.h>
 #include <fcntl.h>
 #include <simdjson.h>
 #include <sys/stat.h>
-#include <unicode/ustring.h>
 #include <unistd.h>
 
 #include <cstdlib>
@@ -15,6 +14,8 @@
 #include <string_view>
 
 #include "KBXEMLXFile.h"
+#include "host/Output.h"
+#include "host/Results.h"
 #include "platform/files/NSURL.h"
 #include "platform/objects/NSDictionary.h"
 #include "platform/objects/NSString.h"
@@ -49,6 +50,11 @@ std::string asciiMessage() {
 std::string mixedMessage() {
   return message({"the", "Straße", "zażółć", "gęślą", "日本語の文章", "письмо", "attribute",
                   "index", "naïve", "😀", "Ελληνικά", "and", "of", "a", "“quoted”"});
+}
+
+std::string foreignMessage() {
+  return message({"Съешь", "ещё", "этих", "мягких", "французских", "булок,", "да", "выпей", "чаю.",
+                  "電子郵件的內容可以用很多種語言寫成，", "這裡只是一個例子。"});
 }
 
 struct MessageFile {
@@ -98,26 +104,51 @@ void baseline(benchmark::State& state, const std::string& bytes) {
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes.size()));
 }
 
-void baselineUTF16(benchmark::State& state, const std::string& bytes) {
+void importAndPrint(benchmark::State& state, const std::string& bytes,
+                    std::unique_ptr<Results> (*makeResults)(Output&)) {
   const MessageFile file(bytes);
-  std::size_t length = 0;
+  const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
   for (auto _ : state) {
-    const Bytes read = readAndValidate(file.url->fileSystemRepresentation().c_str(), &length);
-    std::u16string units(length, u'\0');
-    std::int32_t count = 0;
-    UErrorCode failure = U_ZERO_ERROR;
-    u_strFromUTF8(units.data(), static_cast<std::int32_t>(length), &count, read.get(),
-                  static_cast<std::int32_t>(length), &failure);
-    benchmark::DoNotOptimize(units);
+    DescriptorOutput output(nowhere);
+    const auto results = makeResults(output);
+    results->begin();
+    results->delivered("message.eml", KBXEMLXFile::metadataForEMLURL(file.url, false, nullptr));
+    results->end();
+  }
+  ::close(nowhere);
+  state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes.size()));
+}
+
+void importAndUnits(benchmark::State& state, const std::string& bytes) {
+  const MessageFile file(bytes);
+  for (auto _ : state) {
+    auto attributes = KBXEMLXFile::metadataForEMLURL(file.url, false, nullptr);
+    auto* text = cast<NSString>(attributes->objectForKey(fromCF(kMDItemTextContent)));
+    benchmark::DoNotOptimize(text->length());
   }
   state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(bytes.size()));
 }
 
-BENCHMARK_CAPTURE(import, ascii, asciiMessage());
-BENCHMARK_CAPTURE(baseline, ascii, asciiMessage());
-BENCHMARK_CAPTURE(import, mixed, mixedMessage());
-BENCHMARK_CAPTURE(baseline, mixed, mixedMessage());
-BENCHMARK_CAPTURE(baselineUTF16, mixed, mixedMessage());
+std::unique_ptr<Results> text(Output& output) { return makeTextResults(output, false); }
+
+void add(const std::string& name, const std::string& bytes) {
+  const auto with = [&](const char* what, auto run, auto... more) {
+    benchmark::RegisterBenchmark((what + name).c_str(), run, bytes, more...)
+        ->Unit(benchmark::kMillisecond);
+  };
+  with("baseline/", baseline);
+  with("import/", import);
+  with("importAndPrint/json/", importAndPrint, makeLineResults);
+  with("importAndPrint/text/", importAndPrint, text);
+  with("importAndUnits/", importAndUnits);
+}
+
+[[maybe_unused]] const bool isRegistered = [] {
+  add("ascii", asciiMessage());
+  add("mixed", mixedMessage());
+  add("foreign", foreignMessage());
+  return true;
+}();
 
 }  // namespace
 }  // namespace kbx

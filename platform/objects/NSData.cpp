@@ -27,7 +27,9 @@ void appendHex(std::string& text, std::string_view bytes) {
 
 }  // namespace
 
-NSData::~NSData() { std::free(_bytes); }
+NSData::~NSData() {
+  if (!_owner) std::free(_bytes);
+}
 
 Ref<NSData> NSData::data() { return dataWithBytesNoCopy(nullptr, 0); }
 
@@ -45,6 +47,14 @@ Ref<NSData> NSData::dataWithBytes(std::string_view bytes) {
 
 Ref<NSData> NSData::dataWithBytesNoCopy(void* bytes, std::size_t length) {
   return Ref<NSData>::adopt(new NSData(static_cast<std::uint8_t*>(bytes), length));
+}
+
+Ref<NSData> NSData::dataWithData(NSData* data) {
+  if (!data) return nullptr;
+  if (cast<NSMutableData>(data)) return dataWithBytes(data->view());
+  auto result = dataWithBytesNoCopy(data->_bytes, data->_length);
+  result->_owner = data->_owner ? data->_owner : Ref<NSData>(data);  // no chain of owners
+  return result;
 }
 
 Ref<NSData> NSData::subdataWithRange(NSRange range) const {

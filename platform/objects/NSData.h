@@ -29,6 +29,9 @@ class KBX_PLATFORM NSData : public NSObject {
   static Ref<NSData> dataWithBytes(std::string_view bytes);
   /// Takes over a block of the C allocator (freed with std::free) of at least `length` bytes.
   static Ref<NSData> dataWithBytesNoCopy(void* bytes, std::size_t length);
+  /// A new object with the bytes of `data`, never `data` itself; absent for an absent one. The
+  /// bytes of an immutable buffer are shared, not copied. (dataWithData:)
+  static Ref<NSData> dataWithData(NSData* data);
   /// The bytes of a file, read whole. (dataWithContentsOfURL:options:error:)
   ///
   /// Fails in NSCocoaErrorDomain with the path and an underlying POSIX error: 260 no such file,
@@ -67,6 +70,9 @@ class KBX_PLATFORM NSData : public NSObject {
 
   std::uint8_t* _bytes;  // of the C allocator, or nullptr when nothing was ever stored
   std::size_t _length;
+
+ private:
+  Ref<NSData> _owner;  // whose bytes these are; absent where they are our own
 };
 
 /// A byte buffer that grows. Belongs to one thread at a time.

@@ -213,6 +213,14 @@ TEST(NSDataKBX, NormalisingGivesANewBufferAlways) {
   EXPECT_FALSE(isSame(kbxDataByNormalizingLineBreaks(bytes), bytes));
 }
 
+TEST(NSDataKBX, WhatIsNormalisedDoesNotChangeWithAMutableReceiver) {
+  auto bytes = NSMutableData::data();
+  bytes->appendBytes("no return in here");
+  auto normalised = kbxDataByNormalizingLineBreaks(bytes);
+  bytes->mutableBytes()[0] = 'N';
+  EXPECT_EQ(text(normalised), "no return in here");
+}
+
 TEST(NSDataKBX, TheFirstLineIsDeletedWithItsBreak) {
   struct Case {
     const char *input, *output;

@@ -41,6 +41,31 @@ TEST(NSData, ABlockIsTakenOver) {
   EXPECT_EQ(made->view(), "ab");
 }
 
+TEST(NSData, AnotherOfAnImmutableBufferSharesItsBytes) {
+  auto bytes = buffer("shared by three");
+  auto second = NSData::dataWithData(bytes);
+  auto third = NSData::dataWithData(second);
+  EXPECT_FALSE(isSame(second, bytes));
+  EXPECT_EQ(second->bytes(), bytes->bytes());
+  EXPECT_EQ(third->bytes(), bytes->bytes());
+  bytes = nullptr;
+  second = nullptr;
+  EXPECT_EQ(third->view(), "shared by three");  // the bytes live as long as anyone who shares them
+}
+
+TEST(NSData, AnotherOfAMutableBufferIsACopy) {
+  auto bytes = NSMutableData::data();
+  bytes->appendBytes("before");
+  auto second = NSData::dataWithData(bytes);
+  bytes->mutableBytes()[0] = 'B';
+  EXPECT_EQ(second->view(), "before");
+}
+
+TEST(NSData, AnotherOfNoneIsNone) {
+  EXPECT_EQ(NSData::dataWithData(nullptr), nullptr);
+  EXPECT_EQ(NSData::dataWithData(NSData::data())->length(), 0U);
+}
+
 TEST(NSData, PartsAreCopies) {
   auto whole = buffer("abcdef");
   EXPECT_EQ(whole->subdataWithRange({2, 3})->view(), "cde");

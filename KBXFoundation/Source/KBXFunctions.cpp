@@ -16,11 +16,7 @@ std::atomic<NSObject*> loggingDelegate{nullptr};
 
 void callLogString(NSObject* delegate, NSString* string) {
   static const SEL selector("logString:");
-  Method* method = delegate->objectClass()->instanceMethod(selector);
-  if (!method) raiseUnrecognizedSelector(delegate, selector.name());
-  NSObject* argument = string;
-  void* const arguments[] = {&argument};
-  invoke(delegate, *method, nullptr, arguments);
+  performSelector(delegate, selector, string);
 }
 
 Ref<NSString> place(const char* file, unsigned long line) {

@@ -16,6 +16,12 @@ KBX_CLASS(NSArray)
 KBX_CLASS(NSMutableArray)
 KBX_ADOPTS(NSArray, NSCoding)
 
+// A list is what calls by selector are most often made on.
+[[maybe_unused]] static const bool answersBasics =
+    addMethod<&NSArray::count>(NSArray::classObject(), "count") &&
+    addMethod<&NSArray::objectAtIndex>(NSArray::classObject(), "objectAtIndex:") &&
+    addMethod<&NSMutableArray::addObject>(NSMutableArray::classObject(), "addObject:");
+
 NSArray::~NSArray() = default;
 
 Ref<NSArray> NSArray::array() { return arrayWithElements({}); }

@@ -1,15 +1,13 @@
 #include "platform/objects/NSClass.h"
 
-#include <ffi.h>
-
 #include <algorithm>
-#include <cstring>
+#include <atomic>
 #include <mutex>
 #include <set>
 #include <unordered_map>
 
-#include "platform/objects/NSException.h"
 #include "platform/objects/NSString.h"
+#include "platform/runtime/NSMethodSignature.h"
 
 namespace kbx {
 namespace {
@@ -26,31 +24,24 @@ std::unordered_map<std::string_view, std::vector<NSClass*>>& classesByName() {
   return *classes;
 }
 
-/// The body at this moment: another thread may be exchanging it.
-IMP implementationOf(const Method& method) {
-  std::lock_guard lock(runtimeLock());
-  return method.implementation;
-}
+/// Grows with every method that is added anywhere.
+constinit std::atomic<std::uint64_t> tableGeneration{1};
 
-ffi_type* ffiType(char encoding) {
-  switch (encoding) {
-    case 'v':
-      return &ffi_type_void;
-    case 'c':
-      return &ffi_type_sint8;
-    case 'i':
-      return &ffi_type_sint32;
-    case 'I':
-      return &ffi_type_uint32;
-    case 'q':
-      return &ffi_type_sint64;
-    case 'Q':
-      return &ffi_type_uint64;
-    case 'd':
-      return &ffi_type_double;
-    default:
-      return &ffi_type_pointer;
-  }
+/// What a thread found, or that there is nothing, while the tables were of that generation.
+struct Found {
+  const NSClass* searched;
+  SEL selector;
+  std::uint64_t generation;
+  Method* method;
+};
+
+constexpr std::size_t kRemembered = 256;
+thread_local constinit Found remembered[kRemembered]{};
+
+Found& placeOf(const NSClass* searched, SEL selector) {
+  const auto a = reinterpret_cast<std::uintptr_t>(searched) >> 5;
+  const auto b = reinterpret_cast<std::uintptr_t>(selector.name()) >> 4;
+  return remembered[(a ^ b * 31) % kRemembered];
 }
 
 }  // namespace
@@ -70,6 +61,9 @@ NSClass* NSClass::classObject() {
   static NSClass* const object = NSClass::make("NSClass", NSObject::classObject());
   return object;
 }
+
+// KBX_CLASS registers every other class.
+[[maybe_unused]] static auto* const registeredNSClass = NSClass::classObject();
 
 NSClass* NSClass::make(const char* name, NSClass* superclass) {
   std::lock_guard lock(runtimeLock());
@@ -106,71 +100,44 @@ Method* NSClass::directMethod(SEL selector) {
   return found == _methods.end() ? nullptr : found->get();
 }
 
-Method* NSClass::instanceMethod(SEL selector) {
+Method* NSClass::searchMethod(SEL selector) {
   std::lock_guard lock(runtimeLock());
   for (NSClass* c = this; c; c = c->_superclass)
     if (Method* method = c->directMethod(selector)) return method;
   return nullptr;
 }
 
+Method* NSClass::instanceMethod(SEL selector) {
+  // Read before the search: what is added meanwhile makes the finding old.
+  const std::uint64_t generation = tableGeneration.load(std::memory_order_acquire);
+  Found& found = placeOf(this, selector);
+  if (found.searched != this || found.selector != selector || found.generation != generation)
+    found = {this, selector, generation, searchMethod(selector)};
+  return found.method;
+}
+
 bool NSClass::addMethod(SEL selector, IMP implementation, std::string types) {
+  auto* signature = NSMethodSignature::named(types);
   std::lock_guard lock(runtimeLock());
   if (directMethod(selector)) return false;
-  _methods.push_back(std::make_unique<Method>(Method{selector, implementation, std::move(types)}));
+  _methods.push_back(
+      std::make_unique<Method>(Method{selector, implementation, std::move(types), signature}));
+  tableGeneration.fetch_add(1, std::memory_order_release);
   return true;
 }
 
 void NSClass::exchangeImplementations(Method* first, Method* second) {
   if (!first || !second) return;
   std::lock_guard lock(runtimeLock());
-  std::swap(first->implementation, second->implementation);
+  const IMP earlier = first->implementation;
+  std::atomic_ref(first->implementation).store(second->implementation, std::memory_order_release);
+  std::atomic_ref(second->implementation).store(earlier, std::memory_order_release);
 }
 
 std::vector<SEL> NSClass::directSelectors() {
   std::lock_guard lock(runtimeLock());
   std::vector<SEL> result;
   for (auto& method : _methods) result.push_back(method->selector);
-  return result;
-}
-
-void invoke(NSObject* self, const Method& method, void* result, std::span<void* const> arguments) {
-  constexpr std::size_t kBeforeArguments = 3;  // the result, self and the selector
-  if (method.types.size() != arguments.size() + kBeforeArguments)
-    raiseInvalidArgument(std::to_string(arguments.size()) + " arguments for the method " +
-                         method.selector.name() + " of the types " + method.types);
-  SEL selector = method.selector;
-  std::vector<void*> values{&self, &selector};
-  values.insert(values.end(), arguments.begin(), arguments.end());
-  std::vector<ffi_type*> types;
-  for (std::size_t i = 1; i < method.types.size(); ++i) types.push_back(ffiType(method.types[i]));
-
-  // libffi widens integer results to a whole ffi_arg, so the result never goes straight to the
-  // caller's buffer.
-  union {
-    ffi_arg word;
-    double real;
-    NSObject* object;
-  } returned{};
-  ffi_cif cif;
-  if (ffi_prep_cif(&cif, FFI_DEFAULT_ABI, static_cast<unsigned>(types.size()),
-                   ffiType(method.types[0]), types.data()) != FFI_OK)
-    std::terminate();
-  ffi_call(&cif, implementationOf(method), &returned, values.data());
-
-  if (method.types[0] == '@') {
-    auto object = Ref<NSObject>::adopt(returned.object);
-    if (result) *static_cast<Ref<NSObject>*>(result) = std::move(object);
-  } else if (result && method.types[0] != 'v') {
-    std::memcpy(result, &returned, ffiType(method.types[0])->size);  // little-endian
-  }
-}
-
-Ref<NSObject> performSelector(NSObject* receiver, SEL selector) {
-  if (!receiver) return nullptr;
-  Method* method = receiver->objectClass()->instanceMethod(selector);
-  if (!method) raiseUnrecognizedSelector(receiver, selector.name());
-  Ref<NSObject> result;
-  invoke(receiver, *method, method->types.starts_with('@') ? &result : nullptr, {});
   return result;
 }
 

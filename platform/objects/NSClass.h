@@ -1,17 +1,17 @@
 // NSClass: the object that stands for a class, with the method table behind dynamic calls.
 #pragma once
 
-#include <concepts>
 #include <memory>
 #include <span>
 #include <string>
 #include <string_view>
-#include <type_traits>
 #include <vector>
 
 #include "platform/objects/NSObject.h"
 
 namespace kbx {
+
+class NSMethodSignature;
 
 /// A selector: an interned name such as "kbxParent" or "kbxChild:". Equal names give equal
 /// selectors, so selectors compare with ==. A default-made selector is absent.
@@ -36,9 +36,11 @@ struct Method {
   SEL selector;
   IMP implementation;
   std::string types;  // result, self, selector, arguments: "c@:@" takes one object, gives a BOOL
+  NSMethodSignature* signature = nullptr;  // made of the types; absent where they cannot be read
 };
 
-/// A class or a metaclass. Immortal. Its tables are guarded by one lock for all classes.
+/// A class or a metaclass. Immortal, and so are its methods. The tables are guarded by one lock for
+/// all classes; each thread remembers what it found, so that most look-ups take no lock.
 ///
 /// The metaclass of the root class has the root class as its superclass, so what every object
 /// answers, every class answers too.
@@ -77,6 +79,7 @@ class KBX_PLATFORM NSClass final : public NSObject {
  private:
   NSClass(const char* name, NSClass* superclass, NSClass* metaclass);
   Method* directMethod(SEL selector);
+  Method* searchMethod(SEL selector);
 
   const std::string _name;
   NSClass* _superclass;       // set once, before anybody else sees the class
@@ -93,11 +96,13 @@ inline NSClass* cast<NSClass>(NSObject* object) noexcept {
 
 /// Calls a method with typed buffers.
 ///
-/// arguments  the address of each argument after self and selector, as many as the types name
 /// result     where to store the result, or nullptr to drop it; an object result is stored into
 ///            the Ref<NSObject> found there
+/// arguments  the address of each argument after self and selector, as many as the types name; an
+///            array is what lies at its address, and the method gets that address
 ///
-/// Raises NSInvalidArgumentException when there are more or fewer arguments than the types name.
+/// Raises NSInvalidArgumentException when there are more or fewer arguments than the types name,
+/// and when the types cannot be read. Exceptions of the method pass.
 KBX_PLATFORM void invoke(NSObject* self, const Method& method, void* result,
                          std::span<void* const> arguments);
 
@@ -108,102 +113,11 @@ KBX_PLATFORM void invoke(NSObject* self, const Method& method, void* result,
 /// method takes arguments. A method whose result is no object gives an absent result.
 KBX_PLATFORM Ref<NSObject> performSelector(NSObject* receiver, SEL selector);
 
-/// Enters a member function of a C++ class into a method table. False when the class itself already
-/// defines the selector.
+/// The same with one object as the argument, which may be absent. (performSelector:withObject:)
 ///
-/// Parameters and results may be integers and enumerations of 32 or 64 bits, double, bool (a BOOL,
-/// "c"), selectors and object pointers; results also Ref<T> and void.
-template <auto Member>
-bool addMethod(NSClass* target, const char* selector);
-
-// ---- How a member function becomes an IMP ------------------------------------------------
-
-namespace detail {
-
-template <class T>
-concept ObjectPointer =
-    std::is_pointer_v<T> && std::derived_from<std::remove_cv_t<std::remove_pointer_t<T>>, NSObject>;
-template <class T>
-concept ObjectHandle = requires(T ref) {
-  ref.leak();
-};
-/// What a C call passes in a register of its own; smaller integers and float would be promoted.
-template <class T>
-concept WholeNumber = (std::integral<T> || std::is_enum_v<T>)&&(sizeof(T) == 4 || sizeof(T) == 8);
-
-template <class T>
-constexpr const char* encoding() {
-  if constexpr (std::is_void_v<T>) {
-    return "v";
-  } else if constexpr (std::is_same_v<T, bool>) {
-    return "c";
-  } else if constexpr (ObjectPointer<T> || ObjectHandle<T>) {
-    return "@";
-  } else if constexpr (std::is_same_v<T, SEL>) {
-    return ":";
-  } else if constexpr (std::is_same_v<T, double>) {
-    return "d";
-  } else {
-    static_assert(WholeNumber<T>, "a type that no dynamic call passes");
-    constexpr bool isSigned = [] {
-      if constexpr (std::is_enum_v<T>)
-        return std::is_signed_v<std::underlying_type_t<T>>;
-      else
-        return std::is_signed_v<T>;
-    }();
-    return sizeof(T) == 8 ? (isSigned ? "q" : "Q") : (isSigned ? "i" : "I");
-  }
-}
-
-/// What travels through the C call for a T: objects as NSObject*, bool as a signed byte.
-template <class T>
-using Abi = std::conditional_t<std::is_same_v<T, bool>, signed char,
-                               std::conditional_t<std::is_pointer_v<T>, NSObject*, T>>;
-
-template <class R>
-auto toAbi(R value) {
-  if constexpr (ObjectHandle<R>)
-    return static_cast<NSObject*>(value.leak());
-  else if constexpr (ObjectPointer<R>)
-    return Ref<NSObject>(const_cast<std::remove_const_t<std::remove_pointer_t<R>>*>(value)).leak();
-  else
-    return static_cast<Abi<R>>(value);
-}
-
-template <class C, class R, class... A>
-struct MemberOf {
-  template <auto Member>
-  static auto call(NSObject* self, SEL, Abi<A>... arguments) {
-    auto run = [&]() -> R {
-      return (static_cast<C*>(self)->*Member)(static_cast<A>(arguments)...);
-    };
-    if constexpr (std::is_void_v<R>)
-      run();
-    else
-      return toAbi(run());
-  }
-  static std::string types() { return (std::string(encoding<R>()) + "@:" + ... + encoding<A>()); }
-};
-
-template <class M>
-struct Signature;
-template <class C, class R, class... A>
-struct Signature<R (C::*)(A...)> : MemberOf<C, R, A...> {};
-template <class C, class R, class... A>
-struct Signature<R (C::*)(A...) const> : MemberOf<C, R, A...> {};
-template <class C, class R, class... A>
-struct Signature<R (C::*)(A...) noexcept> : MemberOf<C, R, A...> {};
-template <class C, class R, class... A>
-struct Signature<R (C::*)(A...) const noexcept> : MemberOf<C, R, A...> {};
-
-}  // namespace detail
-
-template <auto Member>
-bool addMethod(NSClass* target, const char* selector) {
-  using S = detail::Signature<decltype(Member)>;
-  return target->addMethod(SEL(selector), reinterpret_cast<IMP>(&S::template call<Member>),
-                           S::types());
-}
+/// A method without arguments is called without it. Raises for any other argument than one object
+/// or class.
+KBX_PLATFORM Ref<NSObject> performSelector(NSObject* receiver, SEL selector, NSObject* argument);
 
 }  // namespace kbx
 
@@ -219,3 +133,5 @@ bool addMethod(NSClass* target, const char* selector) {
 #define KBX_ADOPTS(Type, Protocol)                            \
   [[maybe_unused]] static const bool adopts##Protocol##Type = \
       (Type::classObject()->adoptProtocol(#Protocol), true);
+
+#include "platform/runtime/NativeMethod.h"  // addMethod()

@@ -16,6 +16,13 @@ namespace {
 [[maybe_unused]] const bool answersItsKind =
     addMethod<&NSObject::isKindOfClass>(NSObject::classObject(), "isKindOfClass:");
 
+// What every object can be asked for by selector.
+[[maybe_unused]] const bool answersBasics =
+    addMethod<&NSObject::description>(NSObject::classObject(), "description") &&
+    addMethod<&NSObject::isEqual>(NSObject::classObject(), "isEqual:") &&
+    addMethod<&NSObject::hash>(NSObject::classObject(), "hash") &&
+    addMethod<&NSObject::respondsToSelector>(NSObject::classObject(), "respondsToSelector:");
+
 /// How many objects may die inside one another's destructors.
 constexpr unsigned kDeepest = 64;
 

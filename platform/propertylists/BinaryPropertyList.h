@@ -24,8 +24,8 @@ enum class BinaryKind : std::uint8_t {
   Date = 0x3,     // a real number of 8 bytes: seconds since the reference date
   Data = 0x4,
   ASCII = 0x5,
-  UTF16 = 0x6,  // the length counts units
-  Identifier = 0x8,
+  UTF16 = 0x6,       // the length counts units
+  Identifier = 0x8,  // of archives: a number in one byte more than the low bits say
   Array = 0xA,
   Dictionary = 0xD,  // the references of the keys, then those of the values
 };

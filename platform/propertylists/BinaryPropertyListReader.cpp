@@ -11,6 +11,7 @@
 #include "platform/objects/NSDate.h"
 #include "platform/objects/NSNumber.h"
 #include "platform/propertylists/BinaryPropertyList.h"
+#include "platform/propertylists/NSKeyedArchiverUID.h"
 #include "platform/text/UTF8.h"
 
 namespace kbx {
@@ -82,9 +83,13 @@ struct Known {
   Cost cost;
 };
 
+/// Whether references of archives may occur.
+enum class Use { PropertyList, Archive };
+
 class Reader {
  public:
-  Reader(std::string_view bytes, bool isMutable) : _bytes(bytes), _isMutable(isMutable) {}
+  Reader(std::string_view bytes, bool isMutable, Use use)
+      : _bytes(bytes), _isMutable(isMutable), _use(use) {}
   PropertyListReading read();
 
  private:
@@ -99,6 +104,7 @@ class Reader {
   bool descend(std::size_t level, std::size_t at);
   Ref<NSObject> objectAt(std::size_t at, std::size_t level);
   Ref<NSObject> leaf(BinaryKind kind, std::uint8_t low, Cursor cursor, std::size_t at);
+  Ref<NSObject> reference(std::uint8_t low, Cursor cursor, std::size_t at);
   Ref<NSObject> text(BinaryKind kind, std::string_view content, std::size_t at);
   Ref<NSObject> container(BinaryKind kind, std::uint64_t count, Cursor cursor, std::size_t at,
                           std::size_t level);
@@ -107,6 +113,7 @@ class Reader {
 
   std::string_view _bytes;
   const bool _isMutable;
+  const Use _use;
   std::string _fault;
   std::size_t _offsetSize = 0;
   std::size_t _referenceSize = 0;
@@ -202,11 +209,18 @@ Ref<NSObject> Reader::text(BinaryKind kind, std::string_view content, std::size_
   return NSString::stringWithUTF8(content);
 }
 
+Ref<NSObject> Reader::reference(std::uint8_t low, Cursor cursor, std::size_t at) {
+  if (_use != Use::Archive) return fail("a reference that only archives have", at);
+  auto bytes = low < sizeof(std::uint64_t) ? cursor.take(low + std::uint64_t{1}) : std::nullopt;
+  if (!bytes) return fail("a reference without a number", at);
+  return NSKeyedArchiverUID::UIDWithValue(wordOf(*bytes));
+}
+
 /// A number, a date or a boolean: what has its length in its marker.
 Ref<NSObject> Reader::leaf(BinaryKind kind, std::uint8_t low, Cursor cursor, std::size_t at) {
   if (kind == BinaryKind::Simple && (low == kBinaryTrue || low == kBinaryFalse))
     return NSNumber::numberWithBool(low == kBinaryTrue);
-  if (kind == BinaryKind::Identifier) return fail("a reference that only archives have", at);
+  if (kind == BinaryKind::Identifier) return reference(low, cursor, at);
   const bool isInteger = kind == BinaryKind::Integer && low <= 4;
   const bool isReal = kind == BinaryKind::Real && (low == 2 || low == 3);
   const bool isDate = kind == BinaryKind::Date && low == 3;
@@ -320,7 +334,12 @@ bool isBinaryPropertyList(std::string_view bytes) { return bytes.starts_with("bp
 
 PropertyListReading propertyListFromBinary(std::string_view bytes, bool isMutable) {
   if (!bytes.starts_with(kBinaryHead)) return {nullptr, "another version at byte 6"};
-  return Reader(bytes, isMutable).read();
+  return Reader(bytes, isMutable, Use::PropertyList).read();
+}
+
+PropertyListReading archiveFromBinary(std::string_view bytes) {
+  if (!bytes.starts_with(kBinaryHead)) return {nullptr, "no archive of the binary form at byte 0"};
+  return Reader(bytes, false, Use::Archive).read();
 }
 
 }  // namespace kbx

@@ -19,4 +19,7 @@ bool isBinaryPropertyList(std::string_view bytes);
 /// for each byte, or to more than 16 million bytes of text and data and 1024 for each byte.
 PropertyListReading propertyListFromBinary(std::string_view bytes, bool isMutable);
 
+/// The same for an archive, whose references become NSKeyedArchiverUID objects. Immutable.
+PropertyListReading archiveFromBinary(std::string_view bytes);
+
 }  // namespace kbx

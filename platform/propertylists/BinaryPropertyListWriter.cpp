@@ -12,6 +12,7 @@
 #include "platform/objects/NSNumber.h"
 #include "platform/propertylists/BinaryPropertyList.h"
 #include "platform/propertylists/ByteBuffer.h"
+#include "platform/propertylists/NSKeyedArchiverUID.h"
 #include "platform/propertylists/SortedEntries.h"
 
 namespace kbx {
@@ -80,6 +81,12 @@ void appendText(ByteBuffer& bytes, const NSString& text) {
   });
 }
 
+void appendReference(ByteBuffer& bytes, const NSKeyedArchiverUID& reference) {
+  const std::size_t size = sizeOf(reference.value());
+  appendMarker(bytes, BinaryKind::Identifier, size - 1);
+  appendWord(bytes, reference.value(), size);
+}
+
 void appendLeaf(ByteBuffer& bytes, NSObject* value) {
   if (auto* text = cast<NSString>(value)) {
     appendText(bytes, *text);
@@ -87,6 +94,8 @@ void appendLeaf(ByteBuffer& bytes, NSObject* value) {
     appendNumber(bytes, *number);
   } else if (auto* date = cast<NSDate>(value)) {
     appendReal(bytes, BinaryKind::Date, date->timeIntervalSinceReferenceDate());
+  } else if (auto* reference = cast<NSKeyedArchiverUID>(value)) {
+    appendReference(bytes, *reference);
   } else {
     auto* data = cast<NSData>(value);
     appendHead(bytes, BinaryKind::Data, data->length());
@@ -100,10 +109,6 @@ std::size_t contentSize(NSObject* value) {
   auto* data = cast<NSData>(value);
   return data ? data->length() : 0;
 }
-
-// Bytes up to which equal leaves are one object. Readers, ours among them, refuse a file whose
-// objects would grow to much more than the file; of long leaves each has to be there.
-constexpr std::size_t kLongestShared = 256;
 
 /// An object of the file: a short leaf with its bytes, a long one, or a container with what it
 /// refers to.
@@ -136,14 +141,14 @@ class Writer {
 
 std::size_t Writer::addLeaf(NSObject* value) {
   const std::size_t place = _items.size();
-  if (contentSize(value) > kLongestShared) {
+  if (contentSize(value) > kLongestSharedLeaf) {
     _items.push_back({.longLeaf = value});
     return place;
   }
   _leaf.clear();
   appendLeaf(_leaf, value);
   std::string leaf(_leaf.view());
-  if (leaf.size() <= kLongestShared) {
+  if (leaf.size() <= kLongestSharedLeaf) {
     auto [found, isNew] = _leaves.try_emplace(leaf, place);
     if (!isNew) return found->second;
   }
@@ -223,5 +228,11 @@ Ref<NSData> Writer::write(NSObject* list) {
 }  // namespace
 
 Ref<NSData> binaryFromPropertyList(NSObject* list) { return Writer().write(list); }
+
+std::string binaryFromLeaf(NSObject* leaf) {
+  ByteBuffer bytes;
+  appendLeaf(bytes, leaf);
+  return std::string(bytes.view());
+}
 
 }  // namespace kbx

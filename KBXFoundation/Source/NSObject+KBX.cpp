@@ -1,6 +1,11 @@
 #include "NSObject+KBX.h"
 
 #include "NSError+KBX.h"
+#include "platform/archives/NSKeyedArchiver.h"
+#include "platform/archives/NSKeyedUnarchiver.h"
+#include "platform/objects/NSArray.h"
+#include "platform/objects/NSData.h"
+#include "platform/objects/NSDate.h"
 
 namespace kbx {
 namespace {
@@ -8,6 +13,11 @@ namespace {
 /// A class is its own class here, as it is for whoever asks an object for its class.
 NSObject* typeOf(NSObject* object) {
   return object->isClassObject() ? object : object->objectClass();
+}
+
+template <class T>
+Ref<T> ensured(NSObject* object) {
+  return cast<T>(kbxEnsureClass(object, T::classObject(), nullptr));
 }
 
 }  // namespace
@@ -24,5 +34,19 @@ Ref<NSObject> kbxEnsureClass(NSObject* object, NSClass* wantedClass, Ref<NSError
   });
   return nullptr;
 }
+
+Ref<NSArray> kbxEnsureArray(NSObject* object) { return ensured<NSArray>(object); }
+Ref<NSData> kbxEnsureData(NSObject* object) { return ensured<NSData>(object); }
+Ref<NSDate> kbxEnsureDate(NSObject* object) { return ensured<NSDate>(object); }
+Ref<NSDictionary> kbxEnsureDictionary(NSObject* object) { return ensured<NSDictionary>(object); }
+Ref<NSString> kbxEnsureString(NSObject* object) { return ensured<NSString>(object); }
+
+Ref<NSObject> kbxArchiveAndUnarchive(NSObject* object) {
+  if (!object) return nullptr;
+  return NSKeyedUnarchiver::unarchiveObjectWithData(
+      NSKeyedArchiver::archivedDataWithRootObject(object));
+}
+
+Ref<NSObject> kbxObjectID(NSObject* object) { return object; }
 
 }  // namespace kbx

@@ -1,6 +1,7 @@
 #include "NSError+KBXArchiving.h"
 
 #include "NSError+KBX.h"
+#include "NSObject+KBX.h"
 #include "platform/files/NSURL.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSClass.h"
@@ -145,6 +146,23 @@ TEST(NSErrorKBXArchiving, CollectionsCountAsAWhole) {
   Ref<NSObject> kept = archived(list);
   EXPECT_TRUE(isSame(kept, list));
   EXPECT_TRUE(isSame(list->objectAtIndex(0), widget));
+}
+
+TEST(NSErrorKBXArchiving, TheCopyCanBeArchivedAndComesBackEqual) {
+  auto cause = kbxErrorBySettingFailingObject(KBXError1(902, nullptr), Widget::make(),
+                                              NSString::classObject());
+  auto error = kbxErrorBySettingUnderlyingError(KBXError1(-1, nullptr), cause);
+  error = kbxErrorByAddingStackFrame(error, "+[Widget open:]", 12);
+  error = kbxErrorBySettingURL(error, NSURL::fileURLWithPath("/tmp/a b"_ns, false));
+  error = kbxErrorBySettingArguments(error, nullptr);
+  for (const Ref<NSObject>& value : std::initializer_list<Ref<NSObject>>{
+           "text"_ns, NSNumber::numberWithBool(true), NSDate::dateWithTimeIntervalSince1970(5),
+           data("bytes"), NSArray::arrayWithObjects({"a"_ns}), NSMutableDictionary::dictionary()})
+    error = kbxErrorBySettingObject(error, value, NSString::stringWithUTF8(text(value)));
+  auto copy = kbxArchivableError(error);
+  Ref<NSObject> unarchived = kbxArchiveAndUnarchive(copy);
+  EXPECT_TRUE(isEqual(unarchived, copy)) << text(unarchived) << "\n" << text(copy);
+  EXPECT_FALSE(isSame(unarchived, copy));
 }
 
 }  // namespace

@@ -14,6 +14,14 @@ struct FileStatus {
   Kind kind = Kind::Other;
   std::uint64_t size = 0;  // bytes
   unsigned mode = 0;       // permission bits
+  // Which file it is: two paths with the same numbers name one file.
+  std::uint64_t device = 0;
+  std::uint64_t number = 0;
+
+  bool isFolder() const noexcept { return kind == Kind::Directory; }
+  bool isSameFile(const FileStatus& other) const noexcept {
+    return device == other.device && number == other.number;
+  }
 };
 
 /// Opens, reads, writes, renames and removes. Paths are bytes in the file system's form. Every call
@@ -37,6 +45,10 @@ class KBX_PLATFORM FileSystem {
   virtual int status(int descriptor, FileStatus* status) = 0;
   /// Of what the path names, links followed.
   virtual int statusOfPath(const std::string& path, FileStatus* status) = 0;
+  /// Of what the path names, a link at its end not followed.
+  virtual int statusOfLink(const std::string& path, FileStatus* status) = 0;
+  /// Stores where the link at the path's end leads; -EINVAL for what is no link.
+  virtual int readLink(const std::string& path, std::string* target) = 0;
   virtual int setMode(int descriptor, unsigned mode) = 0;
   /// Returns when the bytes are on the disk.
   virtual int flush(int descriptor) = 0;

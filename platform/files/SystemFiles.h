@@ -13,6 +13,8 @@ class KBX_PLATFORM SystemFiles : public FileSystem {
   std::int64_t write(int descriptor, const void* bytes, std::size_t size) override;
   int status(int descriptor, FileStatus* status) override;
   int statusOfPath(const std::string& path, FileStatus* status) override;
+  int statusOfLink(const std::string& path, FileStatus* status) override;
+  int readLink(const std::string& path, std::string* target) override;
   int setMode(int descriptor, unsigned mode) override;
   int flush(int descriptor) override;
   int close(int descriptor) override;

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <climits>
 #include <cstdio>
 
 #include "platform/files/SystemFiles.h"
@@ -29,7 +30,7 @@ FileStatus::Kind kindOf(mode_t mode) {
 
 void fill(FileStatus* status, const struct stat& found) {
   *status = {kindOf(found.st_mode), static_cast<std::uint64_t>(found.st_size),
-             found.st_mode & 07777u};
+             found.st_mode & 07777u, found.st_dev, found.st_ino};
 }
 
 int flagsFor(FileSystem::Opening how) {
@@ -71,6 +72,22 @@ int SystemFiles::statusOfPath(const std::string& path, FileStatus* status) {
   const int result = answer([&] { return ::stat(path.c_str(), &found); });
   if (result == 0) fill(status, found);
   return result;
+}
+
+int SystemFiles::statusOfLink(const std::string& path, FileStatus* status) {
+  struct stat found {};
+  const int result = answer([&] { return ::lstat(path.c_str(), &found); });
+  if (result == 0) fill(status, found);
+  return result;
+}
+
+int SystemFiles::readLink(const std::string& path, std::string* target) {
+  char buffer[PATH_MAX];
+  const ssize_t size = answer([&] { return ::readlink(path.c_str(), buffer, sizeof buffer); });
+  if (size < 0) return static_cast<int>(size);
+  if (static_cast<std::size_t>(size) == sizeof buffer) return -ENAMETOOLONG;  // perhaps cut
+  target->assign(buffer, static_cast<std::size_t>(size));
+  return 0;
 }
 
 int SystemFiles::setMode(int descriptor, unsigned mode) {

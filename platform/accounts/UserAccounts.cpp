@@ -1,0 +1,7 @@
+#include "platform/accounts/UserAccounts.h"
+
+namespace kbx {
+
+UserAccounts::~UserAccounts() = default;
+
+}  // namespace kbx

@@ -1,0 +1,7 @@
+#include "platform/volumes/MountTable.h"
+
+namespace kbx {
+
+MountTable::~MountTable() = default;
+
+}  // namespace kbx

@@ -87,6 +87,13 @@ KBX_PLATFORM CFStringRef CFURLCopyFileSystemPath(CFURLRef url, CFURLPathStyle st
 KBX_PLATFORM Boolean CFURLGetFileSystemRepresentation(CFURLRef url, Boolean resolveAgainstBase,
                                                       UInt8* buffer, CFIndex size);
 
+/* The location of a path's bytes; absent for none, and where a NUL is among them. */
+KBX_PLATFORM CFURLRef CFURLCreateFromFileSystemRepresentation(CFAllocatorRef allocator,
+                                                              const UInt8* path, CFIndex length,
+                                                              Boolean isDirectory);
+/* Makes the next question for the resource key ask the system. */
+KBX_PLATFORM void CFURLClearResourcePropertyCacheForKey(CFURLRef url, CFStringRef key);
+
 /* ---- UUIDs --------------------------------------------------------------------------------- */
 
 typedef struct {

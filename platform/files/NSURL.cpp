@@ -3,12 +3,13 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/files/FileErrors.h"
 #include "platform/files/FileNames.h"
 #include "platform/files/FileSystem.h"
-#include "platform/files/TypeIdentifiers.h"
+#include "platform/files/SymbolicLinks.h"
 #include "platform/files/WorkingFolder.h"
+#include "platform/objects/NSArray.h"
 #include "platform/objects/NSClass.h"
+#include "platform/resources/ResourceValues.h"
 
 namespace kbx {
 
@@ -29,6 +30,13 @@ bool isFolder(const std::string& path) {
 
 std::string_view nameOf(std::string_view path) {
   return path.size() == 1 ? path : path.substr(path.rfind('/') + 1);
+}
+
+/// Where the extension begins, behind its dot; the name's length where there is none. A dot at the
+/// start of a name makes it a hidden one.
+std::size_t extensionOf(std::string_view name) {
+  const std::size_t dot = name.rfind('.');
+  return dot == std::string_view::npos || dot == 0 ? name.size() : dot + 1;
 }
 
 std::string percentEscaped(std::string_view path) {
@@ -101,11 +109,8 @@ Ref<NSString> NSURL::lastPathComponent() const {
 }
 
 Ref<NSString> NSURL::pathExtension() const {
-  std::string_view name = nameOf(_path);
-  const std::size_t dot = name.rfind('.');
-  const bool hasExtension = dot != std::string_view::npos && dot > 0;
-  return hasExtension ? stringWithFileSystemRepresentation(name.substr(dot + 1))
-                      : NSString::string();
+  const std::string_view name = nameOf(_path);
+  return stringWithFileSystemRepresentation(name.substr(extensionOf(name)));
 }
 
 Ref<NSURL> NSURL::URLByAppendingPathComponent(NSString* name) const {
@@ -120,18 +125,51 @@ Ref<NSURL> NSURL::URLByDeletingLastPathComponent() const {
   return make(_path.substr(0, _path.rfind('/') + 1), true);
 }
 
+Ref<NSURL> NSURL::URLByAppendingPathExtension(NSString* extension) const {
+  const auto bytes = kbx::fileSystemRepresentation(extension);
+  if (!bytes || bytes->find('/') != std::string::npos) return nullptr;
+  const bool isChanged = !bytes->empty() && _path != "/";
+  return make(isChanged ? _path + "." + *bytes : _path, _isDirectory);
+}
+
+Ref<NSURL> NSURL::URLByDeletingPathExtension() const {
+  const std::string_view name = nameOf(_path);
+  const std::size_t extension = name.size() - extensionOf(name);
+  return make(_path.substr(0, _path.size() - (extension ? extension + 1 : 0)), _isDirectory);
+}
+
 Ref<NSURL> NSURL::URLByStandardizingPath() const { return make(standardized(_path), _isDirectory); }
 
-Ref<NSObject> NSURL::resourceValueForKey(NSString* key, Ref<NSError>* error) const {
-  FileStatus status;
-  const int result = FileSystem::current().statusOfPath(_path, &status);
-  if (result < 0) {
-    if (error) *error = fileError(const_cast<NSURL*>(this), FileAction::Reading, -result);
-    return nullptr;
-  }
-  if (!kbx::isEqual(key, NSURLTypeIdentifierKey())) return nullptr;
-  return typeIdentifier(nameOf(_path), status.kind == FileStatus::Kind::Directory);
+Ref<NSURL> NSURL::URLByResolvingSymlinksInPath() const {
+  auto path = pathByResolvingLinks(_path);
+  return make(path ? std::move(*path) : standardized(_path), _isDirectory);
 }
+
+Ref<NSArray> NSURL::pathComponents() const {
+  NSArray::Elements names = {"/"_ns};
+  for (std::size_t at = 1; at < _path.size();) {
+    const std::size_t end = std::min(_path.find('/', at), _path.size());
+    if (end > at)
+      names.push_back(
+          stringWithFileSystemRepresentation(std::string_view(_path).substr(at, end - at)));
+    at = end + 1;
+  }
+  return NSArray::arrayWithElements(std::move(names));
+}
+
+Ref<NSObject> NSURL::resourceValueForKey(NSString* key, Ref<NSError>* error) const {
+  if (auto kept = _resources.valueForKey(key)) return kept;
+  const std::uint64_t removals = _resources.removals();
+  Ref<NSObject> value = readResourceValue(const_cast<NSURL*>(this), key, error);
+  if (value) _resources.setValue(value, key, removals);
+  return value;
+}
+
+void NSURL::removeCachedResourceValueForKey(NSString* key) const {
+  _resources.removeValueForKey(key);
+}
+
+void NSURL::removeAllCachedResourceValues() const { _resources.removeAllValues(); }
 
 Ref<NSString> NSURL::description() const { return absoluteString(); }
 

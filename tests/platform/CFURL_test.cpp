@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 
 #include "platform/CoreFoundation.h"
+#include "platform/objects/NSNumber.h"
 #include "platform/plugins/Bridge.h"
+#include "tests/support/FakeFiles.h"
 
 using namespace kbx;
 
@@ -42,4 +44,31 @@ TEST(CFURL, TheFileSystemRepresentationNeedsRoomForItsZero) {
   EXPECT_FALSE(CFURLGetFileSystemRepresentation(toCF(url), true, buffer, 4));
   EXPECT_FALSE(CFURLGetFileSystemRepresentation(toCF(url), true, nullptr, 5));
   EXPECT_FALSE(CFURLGetFileSystemRepresentation(nullptr, true, buffer, 5));
+}
+
+TEST(CFURL, BytesBecomeALocation) {
+  const auto* bytes = reinterpret_cast<const UInt8*>("/caf\xE9/x");
+  auto url = adoptCF(CFURLCreateFromFileSystemRepresentation(nullptr, bytes, 5, true));
+  EXPECT_EQ(url->fileSystemRepresentation(), "/caf\xE9");
+  EXPECT_TRUE(url->hasDirectoryPath());
+  for (CFIndex length : {0, -1})
+    EXPECT_EQ(CFURLCreateFromFileSystemRepresentation(nullptr, bytes, length, true), nullptr);
+  EXPECT_EQ(CFURLCreateFromFileSystemRepresentation(nullptr, nullptr, 5, true), nullptr);
+  EXPECT_EQ(CFURLCreateFromFileSystemRepresentation(nullptr, bytes, 9, true), nullptr) << "a NUL";
+}
+
+TEST(CFURL, AClearedResourceValueIsReadAgain) {
+  FakeFiles files;
+  files.folder("/a.app");
+  auto url = NSURL::fileURLWithPath("/a.app"_ns, true);
+  auto isPackage = [&] {
+    Ref<NSObject> value = url->resourceValueForKey(NSURLIsPackageKey(), nullptr);
+    return cast<NSNumber>(value)->boolValue();
+  };
+  EXPECT_TRUE(isPackage());
+  files.file("/a.app");
+  EXPECT_TRUE(isPackage());
+  CFURLClearResourcePropertyCacheForKey(toCF(url.get()), toCF(NSURLIsPackageKey()));
+  EXPECT_FALSE(isPackage());
+  CFURLClearResourcePropertyCacheForKey(nullptr, nullptr);
 }

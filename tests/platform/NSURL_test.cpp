@@ -4,7 +4,10 @@
 
 #include <filesystem>
 
+#include "platform/objects/NSArray.h"
 #include "platform/objects/NSError.h"
+#include "tests/support/FakeFiles.h"
+#include "tests/support/FakeMimeTypes.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Text.h"
 
@@ -114,8 +117,69 @@ TEST(NSURL, StandardizingTakesDotsOut) {
   }
 }
 
+TEST(NSURL, AnExtensionIsPutBehindTheName) {
+  EXPECT_EQ(text(file("/a/b")->URLByAppendingPathExtension("eml"_ns)->path()), "/a/b.eml");
+  EXPECT_EQ(text(file("/a/b.tar")->URLByAppendingPathExtension("gz"_ns)->path()), "/a/b.tar.gz");
+  EXPECT_EQ(text(file("/a/b")->URLByAppendingPathExtension(""_ns)->path()), "/a/b");
+  EXPECT_EQ(text(file("/")->URLByAppendingPathExtension("eml"_ns)->path()), "/");
+  EXPECT_TRUE(NSURL::fileURLWithPath("/a"_ns, true)
+                  ->URLByAppendingPathExtension("app"_ns)
+                  ->hasDirectoryPath());
+}
+
+TEST(NSURL, WhatCannotBeAnExtensionGivesNoLocation) {
+  EXPECT_EQ(file("/a")->URLByAppendingPathExtension(nullptr), nullptr);
+  EXPECT_EQ(file("/a")->URLByAppendingPathExtension("b/c"_ns), nullptr);
+  EXPECT_EQ(file("/a")->URLByAppendingPathExtension(string({"a\0", 2})), nullptr);
+  EXPECT_EQ(file("/a")->URLByAppendingPathExtension(NSString::stringWithUTF16(u"\xD800")), nullptr);
+}
+
+TEST(NSURL, TheExtensionIsTakenOff) {
+  struct Case {
+    const char *path, *without;
+  };
+  for (auto [path, without] : {Case{"/a/b.eml", "/a/b"},
+                               {"/a/b.tar.gz", "/a/b.tar"},
+                               {"/a/.hidden", "/a/.hidden"},
+                               {"/a/.hidden.eml", "/a/.hidden"},
+                               {"/a/b.", "/a/b."},
+                               {"/a/b..eml", "/a/b."},
+                               {"/a.d/b", "/a.d/b"},
+                               {"/a/my file.v 2", "/a/my file"},
+                               {"/", "/"}})
+    EXPECT_EQ(text(file(path)->URLByDeletingPathExtension()->path()), without) << path;
+  auto foreign = NSURL::fileURLWithFileSystemRepresentation("/caf\xE9.\xFF", false);
+  EXPECT_EQ(foreign->URLByDeletingPathExtension()->fileSystemRepresentation(), "/caf\xE9");
+}
+
+TEST(NSURL, TheComponentsBeginWithTheRoot) {
+  auto components = [](const char* path) {
+    return text(file(path)->pathComponents()->componentsJoinedByString("|"_ns));
+  };
+  EXPECT_EQ(components("/"), "/");
+  EXPECT_EQ(components("/a/b"), "/|a|b");
+  EXPECT_EQ(components("/a//b/"), "/|a|b");
+  EXPECT_EQ(components("/a/./.."), "/|a|.|..");
+}
+
+TEST(NSURL, ResolvingFollowsLinksAsFarAsTheyLead) {
+  FakeFiles files;
+  files.folder("/real");
+  files.link("/link", "real");
+  files.link("/loop", "loop");
+  auto resolved = [](const char* path) {
+    return text(file(path)->URLByResolvingSymlinksInPath()->path());
+  };
+  EXPECT_EQ(resolved("/link/a"), "/real/a");
+  EXPECT_EQ(resolved("/loop/./a"), "/loop/a") << "a loop stays as it is";
+  EXPECT_EQ(resolved("/none/../link"), "/real");
+  EXPECT_TRUE(
+      NSURL::fileURLWithPath("/link"_ns, true)->URLByResolvingSymlinksInPath()->hasDirectoryPath());
+}
+
 TEST(NSURL, TheTypeOfAFileComesFromItsName) {
   TemporaryFolder folder;
+  FakeMimeTypes types;
   struct Case {
     const char *name, *identifier;
   };

@@ -1,0 +1,50 @@
+#include "platform/resources/BundleLayout.h"
+
+#include <algorithm>
+#include <string_view>
+
+#include "platform/files/FileSystem.h"
+
+namespace kbx {
+namespace {
+
+constexpr std::string_view kPackageEndings[] = {
+    ".app",           ".appex",   ".bundle",     ".component",   ".dsym",
+    ".kext",          ".mbox",    ".mdimporter", ".mpkg",        ".pkg",
+    ".photoslibrary", ".plugin",  ".prefpane",   ".qlgenerator", ".rtfd",
+    ".saver",         ".service", ".wdgt",       ".xcodeproj",   ".xpc",
+};
+
+char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
+
+bool hasEnding(std::string_view path, std::string_view ending) {
+  const std::string_view name = path.substr(path.rfind('/') + 1);
+  return name.size() > ending.size() &&
+         std::ranges::equal(name.substr(name.size() - ending.size()), ending, {}, lower);
+}
+
+bool isOfKind(const std::string& path, FileStatus::Kind kind) {
+  FileStatus status;
+  return FileSystem::current().statusOfPath(path, &status) == 0 && status.kind == kind;
+}
+
+bool isLaidOutAsBundle(const std::string& path) {
+  const std::string contents = path + "/Contents/";
+  return isOfKind(contents + "Info.plist", FileStatus::Kind::Regular) &&
+         (isOfKind(contents + "Linux", FileStatus::Kind::Directory) ||
+          isOfKind(contents + "MacOS", FileStatus::Kind::Directory));
+}
+
+}  // namespace
+
+bool isApplication(const std::string& path) {
+  return hasEnding(path, ".app") && isLaidOutAsBundle(path);
+}
+
+bool isPackage(const std::string& path) {
+  return std::ranges::any_of(kPackageEndings,
+                             [&path](auto ending) { return hasEnding(path, ending); }) ||
+         isLaidOutAsBundle(path);
+}
+
+}  // namespace kbx

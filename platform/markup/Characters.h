@@ -1,0 +1,65 @@
+// Characters: the classes of characters that markup is made of, and fast ways to the next one.
+#pragma once
+
+#include <array>
+#include <bit>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+namespace kbx {
+
+constexpr bool isASCIILetter(char c) { return static_cast<std::uint8_t>((c | 0x20) - 'a') < 26; }
+constexpr bool isASCIIDigit(char c) { return static_cast<std::uint8_t>(c - '0') < 10; }
+constexpr bool isASCIIAlphanumeric(char c) { return isASCIILetter(c) || isASCIIDigit(c); }
+constexpr char asciiLower(char c) {
+  return static_cast<std::uint8_t>(c - 'A') < 26 ? static_cast<char>(c | 0x20) : c;
+}
+/// White space of markup. A form feed has become a blank before anybody asks.
+constexpr bool isMarkupSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
+
+constexpr bool isSurrogate(char32_t c) { return c >= 0xD800 && c <= 0xDFFF; }
+constexpr bool isNonCharacter(char32_t c) {
+  return (c >= 0xFDD0 && c <= 0xFDEF) || (c & 0xFFFE) == 0xFFFE;
+}
+/// One that text may hold: no surrogate, no non-character, nothing beyond the last.
+constexpr bool isCharacter(char32_t c) {
+  return c <= 0x10FFFF && !isSurrogate(c) && !isNonCharacter(c);
+}
+/// A control character that no text keeps: all but TAB, LF and CR; the form feed is a blank.
+constexpr bool isDroppedControl(char32_t c) {
+  return (c < 0x20 && c != '\t' && c != '\n' && c != '\r') || (c >= 0x7F && c <= 0x9F);
+}
+/// What may stand in an XML document.
+constexpr bool isXMLCharacter(char32_t c) {
+  return c < 0x20 ? c == '\t' || c == '\n' || c == '\r'
+                  : c <= 0x10FFFF && !isSurrogate(c) && c != 0xFFFE && c != 0xFFFF;
+}
+
+/// The value of a digit in a base up to 16; -1 for what is none.
+constexpr int digitValue(char c, int base) {
+  if (isASCIIDigit(c)) return c - '0';
+  const char lower = asciiLower(c);
+  return base == 16 && lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
+}
+
+inline bool equalsIgnoringASCIICase(std::string_view text, std::string_view lower) {
+  if (text.size() != lower.size()) return false;
+  for (std::size_t i = 0; i < text.size(); ++i)
+    if (asciiLower(text[i]) != lower[i]) return false;
+  return true;
+}
+
+/// The first `wanted` from `start` on; `end` when there is none.
+inline const char* findByte(const char* start, const char* end, char wanted) {
+  const auto* found = start == end ? nullptr
+                                   : static_cast<const char*>(std::memchr(
+                                         start, wanted, static_cast<std::size_t>(end - start)));
+  return found ? found : end;
+}
+
+}  // namespace kbx

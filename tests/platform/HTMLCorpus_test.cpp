@@ -6,6 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "tests/support/Markup.h"
+#include "tests/support/Text.h"
 
 namespace kbx {
 namespace {

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "tests/support/Markup.h"
+#include "tests/support/Text.h"
 
 namespace kbx {
 namespace {

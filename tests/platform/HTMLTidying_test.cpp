@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/support/Markup.h"
+#include "tests/support/Text.h"
 
 namespace kbx {
 namespace {

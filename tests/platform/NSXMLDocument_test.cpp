@@ -4,6 +4,7 @@
 
 #include "platform/xml/XMLProcessing.h"
 #include "tests/support/Markup.h"
+#include "tests/support/Text.h"
 
 namespace kbx {
 namespace {

@@ -4,6 +4,7 @@
 
 #include "tests/support/Markup.h"
 #include "tests/support/RaisedBy.h"
+#include "tests/support/Text.h"
 
 namespace kbx {
 namespace {

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <random>
-
 #include "platform/xml/XSLTTransform.h"
 #include "tests/support/Markup.h"
+#include "tests/support/RandomMarkup.h"
+#include "tests/support/Text.h"
 
 namespace kbx {
 namespace {
@@ -61,26 +61,10 @@ TEST(TextStylesheet, TheWalkFindsWhatTheLibraryFinds) {
   }
 }
 
-/// A document of pieces that mean something to the parser or to the stylesheet.
-std::string randomDocument(std::mt19937& random) {
-  static const char* const kPieces[] = {
-      "<p>",    "</p>",       "<script>",   "</script>",  "<noframes>",  "</noframes>",
-      "<head>", "<title>",    "</title>",   "text ",      "é",           "&amp;",
-      "&#13;",  " ",          "<!-- c -->", "<svg>",      "</svg>",      "<table>",
-      "<td>",   "</table>",   "<pre>",      "</pre>",     "\n",          "<br>",
-      "<b>",    "</b>",       "<?p?>",      "<x:y>",      "<style>",     "</style>",
-      "<li>",   "<math><mi>", "</math>",    "<textarea>", "</textarea>",
-  };
-  std::string html;
-  for (std::size_t count = random() % 40; count > 0; --count)
-    html += kPieces[random() % std::size(kPieces)];
-  return html + "x";
-}
-
 TEST(TextStylesheet, TheWalkFindsWhatTheLibraryFindsInAnyDocument) {
   std::mt19937 random(20250101);
   for (int i = 0; i < 3000; ++i) {
-    const std::string html = randomDocument(random);
+    const std::string html = randomHTML(random);
     SCOPED_TRACE(html);
     auto document = parsed(html, i % 2 == 0 ? kTidyBoth : kTidyHTML);
     ASSERT_EQ(textBy(kVisibleText, document), textByLibrary(kVisibleText, document));

@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "platform/xml/NSXMLDocument.h"
-#include "tests/support/Text.h"
 
 namespace kbx::test {
 
@@ -23,11 +22,11 @@ inline constexpr std::string_view kVisibleText =
     "<xsl:template match='h:noframes'><xsl:text> </xsl:text></xsl:template></xsl:stylesheet>";
 
 inline Ref<NSXMLDocument> parsed(std::string_view bytes, std::uint64_t options = kTidyHTML) {
-  return NSXMLDocument::initWithData(data(bytes), options, nullptr);
+  return NSXMLDocument::initWithData(NSData::dataWithBytes(bytes), options, nullptr);
 }
 
 inline std::string canonical(NSXMLDocument* document) {
-  return text(document->canonicalXMLStringPreservingComments(false));
+  return document->canonicalXMLStringPreservingComments(false)->lossyUTF8();
 }
 inline std::string canonical(std::string_view bytes, std::uint64_t options = kTidyHTML) {
   return canonical(parsed(bytes, options));
@@ -50,7 +49,8 @@ inline std::string headOf(std::string_view html) {
 
 /// The text of a document by way of a stylesheet; "" for an empty result.
 inline std::string textBy(std::string_view xslt, NSXMLDocument* document) {
-  auto result = document->objectByApplyingXSLTString(string(xslt), nullptr, nullptr);
+  auto stylesheet = NSString::stringWithUTF8(xslt);
+  auto result = document->objectByApplyingXSLTString(stylesheet, nullptr, nullptr);
   auto* const bytes = cast<NSData>(result);
   return bytes ? std::string(bytes->view()) : std::string();
 }

@@ -2,12 +2,16 @@
 
 #include "KBXLog.h"
 #include "NSError+KBX.h"
+#include "NSProcessInfo+KBX.h"
+#include "NSString+KBXHTML.h"
 #include "platform/files/NSURL.h"
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSException.h"
+#include "platform/objects/NSNumber.h"
 #include "platform/plugins/Bridge.h"
 #include "platform/plugins/MDImporter.h"
+#include "platform/text/StringEncoding.h"
 
 namespace kbx {
 
@@ -91,6 +95,18 @@ std::size_t lengthOf(NSObject* value) {
   raiseUnrecognizedSelector(value, "length");
 }
 
+/// The HTML body among the attributes, as text or else as bytes; absent when there is none.
+Ref<NSData> htmlBody(NSDictionary* attributes) {
+  if (NSObject* html = attributes->objectForKey(fromCF(kMDItemHTMLContent))) {
+    auto* const string = cast<NSString>(html);
+    if (!string) raiseUnrecognizedSelector(html, "dataUsingEncoding:");
+    if (auto bytes = string->dataUsingEncoding(NSUTF8StringEncoding)) return bytes;
+  }
+  NSObject* const bytes = attributes->objectForKey("kMDItemHTMLContentData"_ns);
+  if (bytes && !cast<NSData>(bytes)) raiseUnrecognizedSelector(bytes, "length");
+  return cast<NSData>(bytes);
+}
+
 }  // namespace
 
 KBXSpotlightImporter::KBXSpotlightImporter(NSURL* importerURL) : _importerURL(importerURL) {}
@@ -128,9 +144,20 @@ Ref<NSDictionary> KBXSpotlightImporter::metadataForURL(NSURL* url, NSString* con
   return ensureTextContent(attributes, error);
 }
 
-Ref<NSDictionary> KBXSpotlightImporter::ensureTextContent(NSDictionary* attributes, Ref<NSError>*) {
+Ref<NSDictionary> KBXSpotlightImporter::ensureTextContent(NSDictionary* attributes,
+                                                          Ref<NSError>* error) {
   if (!attributes || hasTextContent(attributes)) return attributes;
   auto copy = attributes->mutableCopy();
+  // Older systems' mail importers made the text themselves.
+  if (auto html = kbxIsMacOSAtLeast10_11() ? htmlBody(copy) : nullptr) {
+    auto text = kbxStringWithHTMLData(html, error);
+    if (!text) {
+      passOn(error, {"-[KBXSpotlightImporter ensureTextContent:error:]", 114});
+      return nullptr;
+    }
+    copy->setObjectForKey(text, fromCF(kMDItemTextContent));
+    copy->setObjectForKey(NSNumber::numberWithBool(true), "KBXTextContentIsSynthesized"_ns);
+  }
   if (!hasTextContent(copy)) copy->setObjectForKey(""_ns, fromCF(kMDItemTextContent));
   return copy;
 }

@@ -42,8 +42,12 @@ class KBXSpotlightImporter final : public NSObject {
   /// bundle's code raises passes through.
   Ref<NSDictionary> metadataForURL(NSURL* url, NSString* contentType, Ref<NSError>* error);
 
-  /// The very same attributes when they have text content, else a copy with an empty one.
-  /// (ensureTextContent:error:)
+  /// The very same attributes when they have text content, else a copy with the text of their HTML
+  /// body, or with an empty one. (ensureTextContent:error:)
+  ///
+  /// The HTML is that of kMDItemHTMLContent, else the bytes of "kMDItemHTMLContentData"; it counts
+  /// from macOS 10.11 on, and "KBXTextContentIsSynthesized" is then true. Fails with what the
+  /// conversion fails with. On success *error may hold an error that means nothing.
   Ref<NSDictionary> ensureTextContent(NSDictionary* attributes, Ref<NSError>* error);
 
   /// Whether there is a value for kMDItemTextContent whose length is not zero. (hasTextContent:)

@@ -14,7 +14,10 @@
 #include "platform/plugins/Bridge.h"
 #include "platform/plugins/MDImporter.h"
 #include "platform/plugins/PlugInServices.h"
+#include "platform/xml/NSXMLDocument.h"
+#include "platform/xml/XMLProcessing.h"
 #include "tests/support/Bundles.h"
+#include "tests/support/FakeOperatingSystem.h"
 #include "tests/support/RecordingLog.h"
 #include "tests/support/Text.h"
 
@@ -405,6 +408,74 @@ TEST_F(KBXSpotlightImporterTest, AttributesWithoutTextAreCopiedAndGetAnEmptyOne)
     EXPECT_EQ(ensured->count(), 2u);
     EXPECT_EQ(given->count(), count);
   }
+}
+
+/// Every area is off while it lives; without a shared logger all are on.
+struct QuietLogger {
+  QuietLogger() { KBXLogger::setSharedLogger(KBXLogger::initWithDefaultsDictionary(nullptr)); }
+  ~QuietLogger() { KBXLogger::setSharedLogger(nullptr); }
+};
+
+TEST_F(KBXSpotlightImporterTest, TextIsMadeOfHTMLFrom10_11On) {
+  const QuietLogger quiet;
+  struct Case {
+    const char* rule;
+    Ref<NSDictionary> given;
+    const char* text;
+    bool isSynthesized;
+  };
+  auto html = "<p>a<p>b"_ns;
+  auto bytes = data("<b>c");
+  for (const auto& [rule, given, expected, isSynthesized] : {
+           Case{"a text", attributes({{"kMDItemHTMLContent"_ns, html}}), "a\nb", true},
+           Case{"bytes", attributes({{"kMDItemHTMLContentData"_ns, bytes}}), "c", true},
+           Case{"the text wins",
+                attributes({{"kMDItemHTMLContentData"_ns, bytes}, {"kMDItemHTMLContent"_ns, html}}),
+                "a\nb", true},
+           Case{
+               "an empty text wins, too",
+               attributes({{"kMDItemHTMLContentData"_ns, bytes}, {"kMDItemHTMLContent"_ns, ""_ns}}),
+               "", true},
+           Case{"nothing visible", attributes({{"kMDItemHTMLContent"_ns, "<p>"_ns}}), "", true},
+           Case{"no HTML", attributes({{"a"_ns, "b"_ns}}), "", false},
+       }) {
+    SCOPED_TRACE(rule);
+    FakeOperatingSystem system(1256.1, {10, 11, 0});
+    const ScopedService<OperatingSystem> installed(system);
+    auto ensured = host()->ensureTextContent(given, nullptr);
+    EXPECT_EQ(textContent(ensured), expected);
+    NSObject* const flag = ensured->objectForKey("KBXTextContentIsSynthesized"_ns);
+    EXPECT_EQ(flag && isEqual(flag, NSNumber::numberWithBool(true)), isSynthesized);
+    EXPECT_EQ(flag != nullptr, isSynthesized);
+  }
+}
+
+TEST_F(KBXSpotlightImporterTest, HTMLDoesNotCountBefore10_11) {
+  FakeOperatingSystem system(1153.2, {10, 10, 5});
+  const ScopedService<OperatingSystem> installed(system);
+  auto ensured =
+      host()->ensureTextContent(attributes({{"kMDItemHTMLContent"_ns, "a"_ns}}), nullptr);
+  EXPECT_EQ(textContent(ensured), "");
+  EXPECT_FALSE(ensured->objectForKey("KBXTextContentIsSynthesized"_ns));
+}
+
+TEST_F(KBXSpotlightImporterTest, AFailedConversionFailsTheImportAt114) {
+  const QuietLogger quiet;
+  class Failing final : public XMLProcessing {
+    Ref<NSXMLDocument> documentWithData(NSData*, std::uint64_t, Ref<NSError>* error) override {
+      if (error) *error = posixError(5);
+      return nullptr;
+    }
+  } failing;
+  const ScopedService<XMLProcessing> installed(failing);
+  auto given = attributes({{"kMDItemHTMLContent"_ns, "a"_ns}});
+  Ref<NSError> error;
+  EXPECT_FALSE(host()->ensureTextContent(given, &error));
+  auto* frames = cast<NSArray>(error->userInfo()->objectForKey("KBXStackFrames"_ns));
+  EXPECT_EQ(text(frames->componentsJoinedByString("; "_ns)),
+            "-[KBXSpotlightImporter ensureTextContent:error:] (114); "
+            "+[NSString(KBXHTML) kbxUngatedStringWithHTMLData:error:] (196)");
+  EXPECT_FALSE(host()->ensureTextContent(given, nullptr));
 }
 
 TEST_F(KBXSpotlightImporterTest, AbsentAttributesStayAbsent) {

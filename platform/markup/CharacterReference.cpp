@@ -33,30 +33,6 @@ CharacterReference strictNumericReference(std::string_view text) {
   return result;
 }
 
-std::size_t encodeUTF8(char32_t c, char* bytes) {
-  const auto put = [&](std::size_t i, char32_t value) { bytes[i] = static_cast<char>(value); };
-  if (c < 0x80) {
-    put(0, c);
-    return 1;
-  }
-  if (c < 0x800) {
-    put(0, 0xC0 | (c >> 6));
-    put(1, 0x80 | (c & 0x3F));
-    return 2;
-  }
-  if (c < 0x10000) {
-    put(0, 0xE0 | (c >> 12));
-    put(1, 0x80 | ((c >> 6) & 0x3F));
-    put(2, 0x80 | (c & 0x3F));
-    return 3;
-  }
-  put(0, 0xF0 | (c >> 18));
-  put(1, 0x80 | ((c >> 12) & 0x3F));
-  put(2, 0x80 | ((c >> 6) & 0x3F));
-  put(3, 0x80 | (c & 0x3F));
-  return 4;
-}
-
 char32_t windows1252(std::uint8_t byte) {
   static constexpr char16_t kCharacters[32] = {
       0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,

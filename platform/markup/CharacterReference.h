@@ -28,7 +28,29 @@ ReferencedNumber referencedNumber(std::string_view text);
 CharacterReference strictNumericReference(std::string_view text);
 
 /// Stores the UTF-8 of a character at `bytes`, where four have room; answers its length.
-std::size_t encodeUTF8(char32_t character, char* bytes);
+inline std::size_t encodeUTF8(char32_t character, char* bytes) {
+  const auto put = [&](std::size_t i, char32_t value) { bytes[i] = static_cast<char>(value); };
+  if (character < 0x80) {
+    put(0, character);
+    return 1;
+  }
+  if (character < 0x800) {
+    put(0, 0xC0 | (character >> 6));
+    put(1, 0x80 | (character & 0x3F));
+    return 2;
+  }
+  if (character < 0x10000) {
+    put(0, 0xE0 | (character >> 12));
+    put(1, 0x80 | ((character >> 6) & 0x3F));
+    put(2, 0x80 | (character & 0x3F));
+    return 3;
+  }
+  put(0, 0xF0 | (character >> 18));
+  put(1, 0x80 | ((character >> 12) & 0x3F));
+  put(2, 0x80 | ((character >> 6) & 0x3F));
+  put(3, 0x80 | (character & 0x3F));
+  return 4;
+}
 
 /// The character that a byte from 0x80 to 0x9F is in windows-1252; the byte's own number where it
 /// has none.

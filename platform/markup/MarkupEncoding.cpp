@@ -165,12 +165,21 @@ ByteSurvey surveyBytes(std::string_view bytes) {
   ByteSurvey survey;
   const char* p = bytes.data();
   const char* const end = p + bytes.size();
-  while ((p = skipPlainASCII(p, end)) != end) {
+  while (p != end) {
     const auto byte = static_cast<std::uint8_t>(*p);
+    if (isPlainASCII(*p)) {
+      p = skipPlainASCII(p, end);
+      continue;
+    }
     if (byte < 0x80) {
       survey.isClean = false;
       survey.hasEscape |= byte == 0x1B;
       ++p;
+      continue;
+    }
+    if (const std::size_t length = plainLength(p, end)) {
+      survey.nonASCIICount += length;
+      p += length;
       continue;
     }
     const DecodedCharacter next = decodeUTF8(p, end);

@@ -30,6 +30,22 @@ class Cleaner {
     _bytes.added(encodeUTF8(character, _bytes.room(4)));
   }
 
+  /// Units of UTF-16, of which a surrogate's partner is never missing at the end alone.
+  void putUnits(const char16_t* units, std::int32_t length) {
+    constexpr std::size_t kLongest = 3;  // bytes of a unit
+    for (std::int32_t i = 0; i < length;) {
+      char* const start = _bytes.room(kLongest * static_cast<std::size_t>(length - i));
+      char* out = start;
+      for (; i < length && isPlainUnit(units[i]); ++i) out += encodeUTF8(units[i], out);
+      if (out != start) _isBehindReturn = false;
+      _bytes.added(static_cast<std::size_t>(out - start));
+      if (i == length) return;
+      UChar32 character;
+      U16_NEXT(units, i, length, character);
+      put(static_cast<char32_t>(character));
+    }
+  }
+
   void putPlainASCII(std::string_view text) {
     if (text.empty()) return;
     if (_isBehindReturn && text.front() == '\n') text.remove_prefix(1);
@@ -40,6 +56,12 @@ class Cleaner {
   Ref<NSData> take() { return _bytes.take(); }
 
  private:
+  /// Whether a unit is a character by itself that stays as it is, wherever it stands.
+  static bool isPlainUnit(char16_t unit) {
+    return (unit >= 0x20 && unit < 0x7F) || (unit > 0x9F && unit < 0xD800) ||
+           (unit > 0xDFFF && unit < 0xFDD0);
+  }
+
   GrowingBytes _bytes;
   bool _isBehindReturn = false;
 };
@@ -77,14 +99,6 @@ void cleanWindows1252(std::string_view bytes, Cleaner& cleaner) {
   });
 }
 
-void cleanUnits(const char16_t* units, std::int32_t length, Cleaner& cleaner) {
-  for (std::int32_t i = 0; i < length;) {
-    UChar32 character;
-    U16_NEXT(units, i, length, character);
-    cleaner.put(static_cast<char32_t>(character));
-  }
-}
-
 /// In pieces, so that the text in the converter's own form is never there as a whole. False when
 /// the conversion library does not know the charset.
 bool cleanCharset(std::string_view bytes, const char* charset, Cleaner& cleaner) {
@@ -103,7 +117,7 @@ bool cleanCharset(std::string_view bytes, const char* charset, Cleaner& cleaner)
     auto length = static_cast<std::int32_t>(target - piece);
     const bool isCut =
         status == U_BUFFER_OVERFLOW_ERROR && length > 0 && U16_IS_LEAD(piece[length - 1]);
-    cleanUnits(piece, length - (isCut ? 1 : 0), cleaner);
+    cleaner.putUnits(piece, length - (isCut ? 1 : 0));
     kept = isCut ? 1 : 0;
     if (isCut) piece[0] = piece[length - 1];
   } while (status == U_BUFFER_OVERFLOW_ERROR);

@@ -33,6 +33,17 @@ inline DecodedCharacter decodeUTF8(const char* p, const char* end) {
   return {value, length, true};
 }
 
+/// How long the character at `p` is where its bytes alone tell that it may stay in markup: two or
+/// three, well-formed, no control character, surrogate or non-character. 0 where one has to look.
+inline std::size_t plainLength(const char* p, const char* end) {
+  const auto byteAt = [&](int i) { return static_cast<std::uint8_t>(p[i]); };
+  const auto isContinuation = [&](int i) { return (byteAt(i) & 0xC0) == 0x80; };
+  const std::uint8_t lead = byteAt(0);
+  if (lead >= 0xC3 && lead <= 0xDF) return end - p >= 2 && isContinuation(1) ? 2 : 0;
+  const bool isPlainLead = (lead >= 0xE1 && lead <= 0xEC) || lead == 0xEE;
+  return isPlainLead && end - p >= 3 && isContinuation(1) && isContinuation(2) ? 3 : 0;
+}
+
 /// Whether a byte is ASCII that markup keeps as it is: no control character but TAB and LF.
 constexpr bool isPlainASCII(char c) { return (c >= 0x20 && c < 0x7F) || c == '\n' || c == '\t'; }
 

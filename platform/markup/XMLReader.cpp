@@ -445,7 +445,8 @@ bool XMLReader::readAttribute() {
 
 bool XMLReader::readValue(std::string_view raw, std::string_view& value) {
   value = raw;
-  if (raw.find_first_of("<&\t\n") == raw.npos) return true;
+  const auto isOdd = [](char c) { return c == '<' || c == '&' || c == '\t' || c == '\n'; };
+  if (std::none_of(raw.begin(), raw.end(), isOdd)) return true;
   std::string text;
   std::string scratch;
   while (!raw.empty()) {

@@ -93,6 +93,7 @@ TEST_F(FileImporterTest, WhatCannotBeReadIsNeverGivenToTheImporter) {
 }
 
 TEST_F(FileImporterTest, AFileThatMayNotBeReadIsNeverGivenToTheImporter) {
+  ASSERT_TRUE(import([](auto...) { return true; }));  // the bundle is loaded before files fail
   FailingFiles files;
   files.fail(FailingFiles::Call::Open, EACCES);
   ScopedService<FileSystem> installed(files);

@@ -239,18 +239,17 @@ bool XMLReader::readSubset() {
   for (;;) {
     skipSpace();
     if (skip("]")) return true;
-    if (startsWith("<!--")) {
-      if (!readComment()) return false;
-    } else if (startsWith("<?")) {
-      if (!readInstruction()) return false;
-    } else if (startsWith("<!ENTITY")) {
-      if (!readEntity()) return false;
-    } else if (!startsWith("<!ELEMENT") && !startsWith("<!ATTLIST") && !startsWith("<!NOTATION")) {
-      return false;  // a parameter entity among others
-    } else if (!skipDeclaration()) {
-      return false;
-    }
+    if (!readSubsetPart()) return false;
   }
+}
+
+bool XMLReader::readSubsetPart() {
+  if (startsWith("<!--")) return readComment();
+  if (startsWith("<?")) return readInstruction();
+  if (startsWith("<!ENTITY")) return readEntity();
+  const bool isKnown =
+      startsWith("<!ELEMENT") || startsWith("<!ATTLIST") || startsWith("<!NOTATION");
+  return isKnown && skipDeclaration();  // a parameter entity among others is refused
 }
 
 bool XMLReader::skipDeclaration() {

@@ -74,6 +74,7 @@ class XMLReader {
   bool readDocumentType();
   bool readExternalID(bool isSystemRequired);
   bool readSubset();
+  bool readSubsetPart();
   bool readEntity();
   bool skipDeclaration();
   void declareEntity(std::string_view name, std::string_view value);

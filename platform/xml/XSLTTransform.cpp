@@ -35,7 +35,7 @@ void ignoreError(void*, xmlErrorPtr) {}
 
 /// Denies files and the network to every stylesheet, also while it is being read.
 xsltSecurityPrefsPtr setUpOnce() {
-  static const xsltSecurityPrefsPtr preferences = [] {
+  static auto* const preferences = [] {
     xmlInitParser();
     xsltInit();
     xsltSetGenericErrorFunc(nullptr, ignoreMessage);
@@ -80,7 +80,7 @@ class Copy {
   explicit Copy(const XMLTree& tree) : _document(xmlNewDoc(chars(std::string("1.0")))) {
     auto* parent = reinterpret_cast<xmlNodePtr>(_document.get());
     for (XMLNode* node = tree.document->firstChild; node;) {
-      xmlNodePtr const copy = add(*node, parent);
+      auto* const copy = add(*node, parent);
       if (node->firstChild) {
         parent = copy;
         node = node->firstChild;
@@ -117,14 +117,14 @@ class Copy {
 
   xmlNodePtr addElement(const XMLNode& node, xmlNodePtr parent) {
     const std::string local(node.name.local());
-    xmlNodePtr const element =
+    auto* const element =
         xmlAddChild(parent, xmlNewDocNode(_document.get(), nullptr, chars(local), nullptr));
     for (std::uint32_t i = 0; i < node.declarationCount; ++i)
       declare(element, node.declarations[i].prefix, node.declarations[i].uri);
     xmlSetNs(element, namespaceOf(element, node.name));
     for (std::uint32_t i = 0; i < node.attributeCount; ++i) {
       const XMLAttribute& attribute = node.attributes[i];
-      xmlNsPtr const space =
+      auto* const space =
           attribute.name.prefixLength > 0 ? namespaceOf(element, attribute.name) : nullptr;
       xmlNewNsProp(element, space, chars(std::string(attribute.name.local())),
                    chars(std::string(attribute.value)));
@@ -140,7 +140,7 @@ class Copy {
   xmlNsPtr namespaceOf(xmlNodePtr element, const XMLName& name) {
     const std::string prefix(name.prefix());
     const std::string uri(name.uri);
-    xmlNsPtr const found =
+    auto* const found =
         xmlSearchNs(_document.get(), element, prefix.empty() ? nullptr : chars(prefix));
     if (found && found->href && uri == reinterpret_cast<const char*>(found->href)) return found;
     if (uri.empty() && !found) return nullptr;
@@ -177,6 +177,7 @@ std::vector<std::string> parameters(NSDictionary* arguments) {
 Document transform(xmlDocPtr document, xsltStylesheetPtr stylesheet, NSDictionary* arguments) {
   const std::vector<std::string> texts = parameters(arguments);
   std::vector<const char*> pointers;
+  pointers.reserve(texts.size() + 1);
   for (const std::string& text : texts) pointers.push_back(text.c_str());
   pointers.push_back(nullptr);
   const Context context(xsltNewTransformContext(stylesheet, document));

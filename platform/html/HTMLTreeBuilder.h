@@ -1,22 +1,17 @@
 // HTMLTreeBuilder: the elements of an HTML document from its tags, made tidy on the way.
 #pragma once
 
-#include <array>
-#include <string>
+#include <initializer_list>
 #include <string_view>
-#include <unordered_map>
 #include <utility>
 #include <vector>
 
+#include "platform/html/HTMLOpenElements.h"
 #include "platform/html/HTMLTags.h"
 #include "platform/html/HTMLTextFlow.h"
 #include "platform/html/HTMLTokenizer.h"
-#include "platform/markup/XMLTree.h"
 
 namespace kbx {
-
-/// In which vocabulary an element is.
-enum class HTMLVocabulary : std::uint8_t { HTML, SVG, MathML };
 
 /// Reads a document and tells a sink what is in it, in the order of the document. The rules are in
 /// docs/html.md. Time and memory grow with the input alone, whatever it is.
@@ -35,18 +30,14 @@ class HTMLTreeBuilder {
   using Place = typename Sink::Place;
 
   HTMLTreeBuilder(std::string_view text, Sink& sink)
-      : _sink(sink), _flow(sink), _tokens(text, sink.attributes()) {
-    _lastOpen.resize(static_cast<std::size_t>(HTMLTag::KnownCount), kNone);
-    _open.reserve(64);
-    _open.push_back({});
-    push(sink.html(), HTMLTag::Html, HTMLVocabulary::HTML);
-    push(sink.body(), HTMLTag::Body, HTMLVocabulary::HTML);
-    _open.back().setAllBarriers(kBodyIndex);
-  }
+      : _sink(sink),
+        _flow(sink),
+        _tokens(text, sink.attributes()),
+        _open(sink.html(), sink.body()) {}
 
   void build() {
     for (;;) {
-      const HTMLToken token = _tokens.next(isForeign());
+      const HTMLToken token = _tokens.next(_open.isForeign());
       switch (token.kind) {
         case HTMLToken::Kind::Text:
         case HTMLToken::Kind::CData:
@@ -72,62 +63,15 @@ class HTMLTreeBuilder {
   }
 
  private:
-  using Index = std::uint16_t;  // of an open element; the first is no element
-  static constexpr Index kNone = 0;
-  static constexpr Index kBodyIndex = 2;
-
-  /// An open element, and where the nearest ones around it are that end what reaches outwards.
-  /// All answers are at hand, so that no tag makes anybody search the open elements.
-  struct OpenElement {
-    Place place{};
-    HTMLTag tag = HTMLTag::Unknown;
-    HTMLVocabulary vocabulary = HTMLVocabulary::HTML;
-    bool isIntegration = false;  // HTML may stand in this element of another vocabulary
-    bool preserves = false;
-    Index before = kNone;  // the open element of the same tag around this one
-    Index block = kNone, scope = kNone, itemScope = kNone, items = kNone, table = kNone,
-          wall = kNone;
-
-    void setAllBarriers(Index index) { block = scope = itemScope = items = table = wall = index; }
-  };
+  using OpenElements = HTMLOpenElements<Place>;
+  using Index = typename OpenElements::Index;
 
   // ---- The open elements ----
 
-  OpenElement& top() { return _open.back(); }
-  Place place() { return top().place; }
-  Index topIndex() const { return static_cast<Index>(_open.size() - 1); }
-  bool isFull() const { return topIndex() >= kDeepestElement; }
-  bool isForeign() { return top().vocabulary != HTMLVocabulary::HTML && !top().isIntegration; }
-  Index lastOpen(HTMLTag tag) const { return _lastOpen[static_cast<std::size_t>(tag)]; }
-
-  void push(Place place, HTMLTag tag, HTMLVocabulary vocabulary) {
-    OpenElement element = top();
-    element.place = place;
-    element.tag = tag;
-    element.vocabulary = vocabulary;
-    element.isIntegration = false;
-    element.before = lastOpen(tag);
-    const auto index = static_cast<Index>(_open.size());
-    if (vocabulary == HTMLVocabulary::HTML) setBarriers(element, infoOf(tag), index);
-    _lastOpen[static_cast<std::size_t>(tag)] = index;
-    _open.push_back(element);
-  }
-
-  static void setBarriers(OpenElement& element, const HTMLTagInfo& info, Index index) {
-    element.preserves |= info.has(kPreserves);
-    const bool isSpecial = info.has(kBlock) || info.has(kSpecial);
-    if (isSpecial) element.block = index;
-    if (isSpecial && !info.has(kIsTransparentToItems)) element.items = index;
-    if (info.has(kScope)) element.scope = index;
-    if (info.has(kScope) || info.has(kItemScope)) element.itemScope = index;
-    if (info.has(kTableScope)) element.table = index;
-    if (info.has(kWall)) element.wall = index;
-  }
+  Place place() const { return _open.top().place; }
 
   void pop() {
-    const OpenElement element = top();
-    _open.pop_back();
-    _lastOpen[static_cast<std::size_t>(element.tag)] = element.before;
+    const auto element = _open.pop();
     if (element.vocabulary != HTMLVocabulary::HTML) return;
     if (element.tag == HTMLTag::Form) _hasForm = false;
     if (element.tag == HTMLTag::Noframes) endFrameless();
@@ -135,12 +79,12 @@ class HTMLTreeBuilder {
 
   /// Ends the element at the index and all that is open inside it.
   void popTo(Index index) {
-    while (_open.size() > index) pop();
+    while (_open.topIndex() >= index) pop();
   }
 
   /// Ends the innermost open element of the tag if no barrier is around it.
   bool popOpen(HTMLTag tag, Index barrier) {
-    const Index index = lastOpen(tag);
+    const Index index = _open.lastOpen(tag);
     if (index <= barrier) return false;
     popTo(index);
     return true;
@@ -154,7 +98,7 @@ class HTMLTreeBuilder {
 
   void text(std::string_view run, bool hasReferences) {
     if (_isInHead) _isInHead = run.find_first_not_of(" \t\n") == run.npos;
-    if (top().preserves)
+    if (_open.top().preserves)
       _flow.preservedText(place(), run, hasReferences);
     else
       _flow.text(place(), run, hasReferences);
@@ -175,7 +119,7 @@ class HTMLTreeBuilder {
   }
 
   void finish() {
-    popTo(kBodyIndex + 1);
+    popTo(OpenElements::kBody + 1);
     blockEnd();
   }
 
@@ -183,9 +127,10 @@ class HTMLTreeBuilder {
 
   void startTag(const HTMLToken& token) {
     const HTMLTagInfo& info = infoOf(token.tag);
-    if (isForeign() && info.action != HTMLAction::Script && info.action != HTMLAction::Style) {
-      if (!info.has(kLeavesForeign)) return startForeign(token, top().vocabulary);
-      while (isForeign()) pop();
+    if (_open.isForeign() && info.action != HTMLAction::Script &&
+        info.action != HTMLAction::Style) {
+      if (!info.has(kLeavesForeign)) return startForeign(token, _open.top().vocabulary);
+      while (_open.isForeign()) pop();
     }
     switch (info.action) {
       case HTMLAction::Html:
@@ -225,7 +170,7 @@ class HTMLTreeBuilder {
 
   void script(const HTMLToken& token) {
     const std::string_view content = _tokens.scriptText();
-    if (isFull()) return;
+    if (_open.isFull()) return;
     const Place parent = _isInHead ? _sink.head() : place();
     _sink.rawText(_sink.append(parent, token, HTMLVocabulary::HTML), content, false);
   }
@@ -233,13 +178,13 @@ class HTMLTreeBuilder {
   void startInBody(const HTMLToken& token, const HTMLTagInfo& info) {
     _isInHead = false;
     if (token.tag == HTMLTag::Form && _hasForm) return blockStart();
-    const Index before = topIndex();
+    const Index before = _open.topIndex();
     closeBefore(token.tag, info);
-    if (info.has(kBlock)) topIndex() < before ? blockEnd() : blockStart();
+    if (info.has(kBlock)) _open.topIndex() < before ? blockEnd() : blockStart();
     if (info.has(kVoid)) return voidElement(token, info);
     if (token.tag == HTMLTag::Unknown) return unknownElement(token);
-    if (isFull()) return fullElement(info);
-    push(_sink.append(place(), token, HTMLVocabulary::HTML), token.tag, HTMLVocabulary::HTML);
+    if (_open.isFull()) return fullElement(info);
+    _open.push(_sink.append(place(), token, HTMLVocabulary::HTML), token.tag, HTMLVocabulary::HTML);
     behindStart(info);
   }
 
@@ -275,27 +220,27 @@ class HTMLTreeBuilder {
   }
 
   void voidElement(const HTMLToken& token, const HTMLTagInfo& info) {
-    if (!isFull()) _sink.append(place(), token, HTMLVocabulary::HTML);
+    if (!_open.isFull()) _sink.append(place(), token, HTMLVocabulary::HTML);
     if (info.action == HTMLAction::Break) _flow.lineBreak(place());
     if (info.has(kBlock)) blockEnd();
   }
 
   void unknownElement(const HTMLToken& token) {
     // What XML could not name is left out; what stands inside stays.
-    if (!isPlainName(token.name) || isFull()) return;
+    if (!isPlainName(token.name) || _open.isFull()) return;
     const Place element = _sink.append(place(), token, HTMLVocabulary::HTML);
-    if (!token.isSelfClosing) push(element, tagOfName(token.name), HTMLVocabulary::HTML);
+    if (!token.isSelfClosing)
+      _open.push(element, _open.tagOfName(token.name), HTMLVocabulary::HTML);
   }
 
   void startForeign(const HTMLToken& token, HTMLVocabulary vocabulary) {
     _isInHead = false;
-    if (!isPlainName(token.name) || isFull()) return;
+    if (!isPlainName(token.name) || _open.isFull()) return;
     const Place element = _sink.append(place(), token, vocabulary);
     if (token.isSelfClosing) return;
-    const HTMLTag tag = token.tag == HTMLTag::Unknown ? tagOfName(token.name) : token.tag;
-    push(element, tag, vocabulary);
-    top().isIntegration = isIntegrationPoint(token.name, vocabulary);
-    if (top().isIntegration) top().block = top().scope = top().items = topIndex();
+    const HTMLTag tag = token.tag == HTMLTag::Unknown ? _open.tagOfName(token.name) : token.tag;
+    _open.push(element, tag, vocabulary);
+    if (isIntegrationPoint(token.name, vocabulary)) _open.makeIntegrationPoint();
   }
 
   static bool isIntegrationPoint(std::string_view name, HTMLVocabulary vocabulary) {
@@ -310,37 +255,37 @@ class HTMLTreeBuilder {
 
   /// Ends what cannot stay open around the element that begins.
   void closeBefore(HTMLTag tag, const HTMLTagInfo& info) {
-    if (info.has(kClosesParagraph)) popOpen(HTMLTag::P, top().scope);
+    if (info.has(kClosesParagraph)) popOpen(HTMLTag::P, _open.top().scope);
     switch (info.action) {
       case HTMLAction::Item:
-        popOpen(HTMLTag::Li, top().items);
+        popOpen(HTMLTag::Li, _open.top().items);
         break;
       case HTMLAction::Definition:
-        return popAnyOpen({HTMLTag::Dd, HTMLTag::Dt}, top().items);
+        return popAnyOpen({HTMLTag::Dd, HTMLTag::Dt}, _open.top().items);
       case HTMLAction::Option:
-        popOpen(HTMLTag::Option, top().scope);
+        popOpen(HTMLTag::Option, _open.top().scope);
         break;
       case HTMLAction::OptionGroup:
-        return popAnyOpen({HTMLTag::Option, HTMLTag::Optgroup}, top().scope);
+        return popAnyOpen({HTMLTag::Option, HTMLTag::Optgroup}, _open.top().scope);
       case HTMLAction::Cell:
-        return popAnyOpen({HTMLTag::Td, HTMLTag::Th, HTMLTag::Caption}, top().table);
+        return popAnyOpen({HTMLTag::Td, HTMLTag::Th, HTMLTag::Caption}, _open.top().table);
       case HTMLAction::Row:
         return popAnyOpen(
             {HTMLTag::Td, HTMLTag::Th, HTMLTag::Caption, HTMLTag::Colgroup, HTMLTag::Tr},
-            top().table);
+            _open.top().table);
       case HTMLAction::Section:
         return popAnyOpen({HTMLTag::Td, HTMLTag::Th, HTMLTag::Caption, HTMLTag::Colgroup,
                            HTMLTag::Tr, HTMLTag::Tbody, HTMLTag::Thead, HTMLTag::Tfoot},
-                          top().table);
+                          _open.top().table);
       case HTMLAction::Heading:
-        if (infoOf(top().tag).action == HTMLAction::Heading) pop();
+        if (infoOf(_open.top().tag).action == HTMLAction::Heading) pop();
         break;
       case HTMLAction::Anchor:
       case HTMLAction::NoBreak:
-        popOpen(tag, top().block);
+        popOpen(tag, _open.top().block);
         break;
       case HTMLAction::Button:
-        popOpen(tag, top().scope);
+        popOpen(tag, _open.top().scope);
         break;
       default:
         break;
@@ -353,43 +298,20 @@ class HTMLTreeBuilder {
     const HTMLTagInfo& info = infoOf(token.tag);
     if (info.action == HTMLAction::Break) return startTag(token);
     if (token.tag == HTMLTag::Body || token.tag == HTMLTag::Html) return blockEnd();
-    const HTMLTag tag = token.tag == HTMLTag::Unknown ? knownTagOfName(token.name) : token.tag;
+    const HTMLTag tag =
+        token.tag == HTMLTag::Unknown ? _open.knownTagOfName(token.name) : token.tag;
     if (info.action == HTMLAction::Heading)
       endHeading();
     else
-      popOpen(tag, barrierOfEnd(tag, info));
+      popOpen(tag, _open.barrierOfEnd(tag));
     if (info.has(kBlock)) blockEnd();
   }
 
   void endHeading() {
     for (auto i = static_cast<std::uint32_t>(HTMLTag::H1);
          i <= static_cast<std::uint32_t>(HTMLTag::H6); ++i)
-      if (popOpen(static_cast<HTMLTag>(i), top().scope)) return;
+      if (popOpen(static_cast<HTMLTag>(i), _open.top().scope)) return;
   }
-
-  Index barrierOfEnd(HTMLTag tag, const HTMLTagInfo& info) {
-    // An element's own barrier does not keep its end tag out.
-    const Index self = lastOpen(tag);
-    const auto outside = [&](Index OpenElement::*barrier) {
-      const Index index = top().*barrier;
-      return index == self && self > kBodyIndex ? static_cast<Index>(index - 1) : index;
-    };
-    if (tag == HTMLTag::Noframes || tag == HTMLTag::Table) return outside(&OpenElement::wall);
-    switch (info.action) {
-      case HTMLAction::Cell:
-      case HTMLAction::Row:
-      case HTMLAction::Section:
-        return top().table;
-      case HTMLAction::Item:
-      case HTMLAction::Definition:
-        return top().itemScope;
-      default:
-        return outside(info.has(kBlock) || info.has(kSpecial) ? &OpenElement::scope
-                                                              : &OpenElement::block);
-    }
-  }
-
-  // ---- Names that are not known ----
 
   /// Whether a name can be written in XML and needs no prefix.
   static bool isPlainName(std::string_view name) {
@@ -398,31 +320,10 @@ class HTMLTreeBuilder {
     return true;
   }
 
-  static std::string lowered(std::string_view name) {
-    std::string lower(name);
-    for (char& c : lower) c = asciiLower(c);
-    return lower;
-  }
-
-  HTMLTag tagOfName(std::string_view name) {
-    const auto [place, isNew] =
-        _names.try_emplace(lowered(name), static_cast<HTMLTag>(_lastOpen.size()));
-    if (isNew) _lastOpen.push_back(kNone);
-    return place->second;
-  }
-
-  HTMLTag knownTagOfName(std::string_view name) const {
-    if (_names.empty()) return HTMLTag::Unknown;
-    const auto found = _names.find(lowered(name));
-    return found == _names.end() ? HTMLTag::Unknown : found->second;
-  }
-
   Sink& _sink;
   HTMLTextFlow<Sink> _flow;
   HTMLTokenizer<typename Sink::Attributes> _tokens;
-  std::vector<OpenElement> _open;  // from html inwards, behind an empty one
-  std::vector<Index> _lastOpen;    // by tag: the innermost open element, or kNone
-  std::unordered_map<std::string, HTMLTag> _names;
+  OpenElements _open;
   std::vector<typename HTMLTextFlow<Sink>::State> _outerFlows;
   bool _isInHead = true;
   bool _hasHTML = false, _hasBody = false, _hasForm = false;

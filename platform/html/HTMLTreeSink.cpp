@@ -65,7 +65,7 @@ std::string_view inSmallLetters(std::string_view name, Arena& arena) {
 
 void HTMLTreeAttributes::clear() {
   _attributes.clear();
-  if (!_names.empty()) _names.clear();
+  if (!_names.empty()) _names = {};  // clearing would take the time of the largest tag so far
 }
 
 void HTMLTreeAttributes::add(std::string_view name, std::string_view value) {

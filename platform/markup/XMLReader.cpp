@@ -275,13 +275,13 @@ bool XMLReader::readEntity() {
     if (!value.data()) return false;
     declareEntity(name, value);
     skipSpace();
-    return skip(">");
+    return _expandedLength <= kLongestExpansion && skip(">");
   }
   return (startsWith("SYSTEM") || startsWith("PUBLIC")) && skipDeclaration();
 }
 
-/// The first declaration counts. One whose value is no plain text, or too long, is as good as none:
-/// a document that refers to it is refused.
+/// The first declaration counts. One whose value is no plain text is as good as none: a document
+/// that refers to it is refused.
 void XMLReader::declareEntity(std::string_view name, std::string_view value) {
   std::string replaced;
   std::string text;
@@ -296,8 +296,9 @@ void XMLReader::declareEntity(std::string_view name, std::string_view value) {
     replaced += found.text();
     value.remove_prefix(found.length);
   }
-  if (!expandEntityValue(replaced, text)) return;
-  _expandedLength += text.size();
+  const bool isPlainText = expandEntityValue(replaced, text);
+  _expandedLength += text.size();  // of what is no plain text, too: it took its time
+  if (!isPlainText) return;
   _entities.emplace(name, std::move(text));
 }
 
@@ -421,7 +422,7 @@ bool XMLReader::readStartTag() {
 bool XMLReader::readAttributes(bool& isEmpty) {
   _attributes.clear();
   _declarations.clear();
-  if (!_declaredPrefixes.empty()) _declaredPrefixes.clear();
+  if (!_declaredPrefixes.empty()) _declaredPrefixes = {};
   for (;;) {
     const bool hasSpace = skipSpace();
     if (skip(">")) return true;

@@ -116,6 +116,19 @@ TEST(HTMLLimits, TimeGrowsWithTheInputAlone) {
   constexpr std::size_t kMega = std::size_t{1} << 20;
   const Case cases[] = {
       {"attributes", attributes},
+      {"one tag with many attributes before many with some",
+       [=](std::size_t factor) {
+         std::string html = attributes(factor);
+         for (std::size_t i = 0; i < factor * 500; ++i)
+           html += "<p a b c d e f g h i j k l m n o p q r s t>";
+         return html;
+       }},
+      {"entities that are too long together",
+       [](std::size_t factor) {
+         std::string xml = "<!DOCTYPE a [<!ENTITY e '" + std::string(50000, 'x') + "'>";
+         xml += "<!ENTITY f '" + repeated("&e;", 8) + "'>";
+         return xml + repeated("<!ENTITY g '&f;&f;&f;'>", factor * 2000) + "]><a>&f;</a>";
+       }},
       {"forms", times("<form>", 50000)},
       {"fonts",
        [](std::size_t factor) {

@@ -1,46 +1,43 @@
 #include "platform/markup/CanonicalXML.h"
 
 #include <algorithm>
-#include <array>
+
+#include "platform/markup/Characters.h"
 
 namespace kbx {
 namespace {
 
-using ReferenceTable = std::array<std::string_view, 256>;
-
-constexpr ReferenceTable textReferences() {
-  ReferenceTable table{};
-  table['&'] = "&amp;";
-  table['<'] = "&lt;";
-  table['>'] = "&gt;";
-  table['\r'] = "&#xD;";
-  return table;
-}
-
-constexpr ReferenceTable valueReferences() {
-  ReferenceTable table{};
-  table['&'] = "&amp;";
-  table['<'] = "&lt;";
-  table['"'] = "&quot;";
-  table['\t'] = "&#x9;";
-  table['\n'] = "&#xA;";
-  table['\r'] = "&#xD;";
-  return table;
-}
-
-constexpr ReferenceTable kTextReferences = textReferences();
-constexpr ReferenceTable kValueReferences = valueReferences();
-
-void writeEscaped(std::string_view text, const ReferenceTable& references, GrowingBytes& bytes) {
-  std::size_t start = 0;
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    const std::string_view reference = references[static_cast<std::uint8_t>(text[i])];
-    if (reference.empty()) continue;
-    bytes.append(text.substr(start, i - start));
-    bytes.append(reference);
-    start = i + 1;
+std::string_view referenceFor(char c) {
+  switch (c) {
+    case '&':
+      return "&amp;";
+    case '<':
+      return "&lt;";
+    case '>':
+      return "&gt;";
+    case '"':
+      return "&quot;";
+    case '\t':
+      return "&#x9;";
+    case '\n':
+      return "&#xA;";
+    default:
+      return "&#xD;";
   }
-  bytes.append(text.substr(start));
+}
+
+/// Text in which some characters, and no others, are written as references.
+template <char... special>
+void writeEscaped(std::string_view text, GrowingBytes& bytes) {
+  const char* p = text.data();
+  const char* const end = p + text.size();
+  for (;;) {
+    const char* const stop = findAnyByte<special...>(p, end);
+    bytes.append({p, static_cast<std::size_t>(stop - p)});
+    if (stop == end) return;
+    bytes.append(referenceFor(*stop));
+    p = stop + 1;
+  }
 }
 
 bool isBefore(const XMLAttribute* a, const XMLAttribute* b) {
@@ -78,11 +75,11 @@ void walk(const XMLTree& tree, XMLHandler& handler) {
 }  // namespace
 
 void writeEscapedText(std::string_view text, GrowingBytes& bytes) {
-  writeEscaped(text, kTextReferences, bytes);
+  writeEscaped<'&', '<', '>', '\r'>(text, bytes);
 }
 
 void writeEscapedValue(std::string_view value, GrowingBytes& bytes) {
-  writeEscaped(value, kValueReferences, bytes);
+  writeEscaped<'&', '<', '"', '\t', '\n', '\r'>(value, bytes);
 }
 
 void writeCommentText(std::string_view text, GrowingBytes& bytes) {

@@ -62,4 +62,20 @@ inline const char* findByte(const char* start, const char* end, char wanted) {
   return found ? found : end;
 }
 
+/// The first byte from `start` on that is one of `wanted`; `end` when there is none.
+template <char... wanted>
+const char* findAnyByte(const char* start, const char* end) {
+#if defined(__SSE2__)
+  for (; end - start >= 16; start += 16) {
+    const __m128i block = _mm_loadu_si128(reinterpret_cast<const __m128i*>(start));
+    __m128i found = _mm_setzero_si128();
+    ((found = _mm_or_si128(found, _mm_cmpeq_epi8(block, _mm_set1_epi8(wanted)))), ...);
+    const auto bits = static_cast<std::uint32_t>(_mm_movemask_epi8(found));
+    if (bits != 0) return start + std::countr_zero(bits);
+  }
+#endif
+  while (start != end && !((*start == wanted) || ...)) ++start;
+  return start;
+}
+
 }  // namespace kbx

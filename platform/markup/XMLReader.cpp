@@ -445,8 +445,8 @@ bool XMLReader::readAttribute() {
 
 bool XMLReader::readValue(std::string_view raw, std::string_view& value) {
   value = raw;
-  const auto isOdd = [](char c) { return c == '<' || c == '&' || c == '\t' || c == '\n'; };
-  if (std::none_of(raw.begin(), raw.end(), isOdd)) return true;
+  const char* const end = raw.data() + raw.size();
+  if (findAnyByte<'<', '&', '\t', '\n'>(raw.data(), end) == end) return true;
   std::string text;
   std::string scratch;
   while (!raw.empty()) {

@@ -1,0 +1,246 @@
+#include "mail/HTMLWords.h"
+
+#include <charconv>
+#include <cstdint>
+#include <unordered_set>
+
+#include "mail/ASCII.h"
+
+namespace kbx {
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+using Hash = std::uint64_t;
+using Words = std::unordered_set<Hash>;
+
+/// Collects the hashes of words from bytes.
+class WordHasher {
+ public:
+  explicit WordHasher(Words& words) : _words(words) {}
+
+  void add(char c) {
+    const bool isLetter = isASCIIAlphanumeric(c) || static_cast<unsigned char>(c) >= 0x80;
+    if (!isLetter) return end();
+    _hash = (_hash ^ static_cast<unsigned char>(lowercase(c))) * 0x100000001B3;
+    _isInWord = true;
+  }
+  void add(std::string_view text) {
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      const std::size_t length = separatorLength(text.substr(i, 3));
+      if (length == 0) {
+        add(text[i]);
+      } else {
+        end();
+        i += length - 1;
+      }
+    }
+  }
+  void end() {
+    if (_isInWord) _words.insert(_hash);
+    _hash = kStart;
+    _isInWord = false;
+  }
+
+ private:
+  /// Of a blank or a punctuation mark beyond ASCII: U+0080 to U+00BF and U+2000 to U+206F.
+  static std::size_t separatorLength(std::string_view text) {
+    if (text[0] == '\xC2') return 2;
+    return text.starts_with("\xE2\x80") || text.starts_with("\xE2\x81") ? 3 : 0;
+  }
+
+  static constexpr Hash kStart = 0xCBF29CE484222325;
+  Words& _words;
+  Hash _hash = kStart;
+  bool _isInWord = false;
+};
+
+struct Entity {
+  std::string_view name;
+  std::string_view text;
+};
+constexpr Entity kEntities[] = {
+    {"amp", "&"},
+    {"lt", "<"},
+    {"gt", ">"},
+    {"quot", "\""},
+    {"apos", "'"},
+    {"nbsp", " "},
+    {"copy", " "},
+    {"reg", " "},
+    {"rsquo", " "},
+    {"lsquo", " "},
+    {"rdquo", " "},
+    {"ldquo", " "},
+    {"ndash", " "},
+    {"mdash", " "},
+    {"hellip", " "},
+    {"bull", " "},
+    {"middot", " "},
+    {"raquo", " "},
+    {"laquo", " "},
+    {"zwnj", " "},
+    {"shy", " "},
+    {"auml", "\xC3\xA4"},
+    {"ouml", "\xC3\xB6"},
+    {"uuml", "\xC3\xBC"},
+    {"Auml", "\xC3\x84"},
+    {"Ouml", "\xC3\x96"},
+    {"Uuml", "\xC3\x9C"},
+    {"szlig", "\xC3\x9F"},
+    {"eacute", "\xC3\xA9"},
+    {"egrave", "\xC3\xA8"},
+    {"agrave", "\xC3\xA0"},
+    {"ccedil", "\xC3\xA7"},
+    {"ecirc", "\xC3\xAA"},
+    {"aacute", "\xC3\xA1"},
+    {"oacute", "\xC3\xB3"},
+    {"iacute", "\xC3\xAD"},
+    {"ntilde", "\xC3\xB1"},
+};
+
+void appendUTF8(std::string& text, std::uint32_t c) {
+  if (c < 0x80) {
+    text += static_cast<char>(c);
+  } else if (c < 0x800) {
+    text += static_cast<char>(0xC0 | (c >> 6));
+    text += static_cast<char>(0x80 | (c & 0x3F));
+  } else if (c < 0x10000) {
+    text += static_cast<char>(0xE0 | (c >> 12));
+    text += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    text += static_cast<char>(0x80 | (c & 0x3F));
+  }
+}
+
+/// Walks HTML and hands what is shown to a hasher.
+class ShownText {
+ public:
+  ShownText(std::string_view html, WordHasher& words) : _html(html), _words(words) {}
+
+  void walk() {
+    while (_at < _html.size()) {
+      const std::size_t mark = std::min(_html.find_first_of("<&", _at), _html.size());
+      _words.add(_html.substr(_at, mark - _at));
+      _at = mark;
+      if (_at == _html.size()) break;
+      if (_html[_at] == '&')
+        takeEntity();
+      else
+        takeTag();
+    }
+    _words.end();
+  }
+
+ private:
+  void takeEntity() {
+    constexpr std::size_t kLongest = 12;
+    const std::string_view rest = _html.substr(_at + 1, kLongest);
+    const std::size_t end = rest.find(';');
+    if (end == kNone) {
+      _words.end();
+      ++_at;
+      return;
+    }
+    _words.add(entityText(rest.substr(0, end)));
+    _at += end + 2;
+  }
+
+  static std::string entityText(std::string_view name) {
+    std::string text;
+    if (name.starts_with('#')) {
+      const bool isHex = name.size() > 1 && lowercase(name[1]) == 'x';
+      const std::string_view digits = name.substr(isHex ? 2 : 1);
+      std::uint32_t c = 0;
+      std::from_chars(digits.data(), digits.data() + digits.size(), c, isHex ? 16 : 10);
+      appendUTF8(text, c);
+      return text;
+    }
+    for (const Entity& entity : kEntities)
+      if (entity.name == name) return std::string(entity.text);
+    return "\xEE\x80\x80";  // a private letter: no word of plain text has it
+  }
+
+  void takeTag() {
+    if (_html.substr(_at).starts_with("<!--")) return skipPast("-->", _at + 4);
+    std::size_t name = _at + 1;
+    const bool isEnd = name < _html.size() && _html[name] == '/';
+    if (isEnd) ++name;
+    std::size_t end = name;
+    while (end < _html.size() && isASCIIAlphanumeric(_html[end])) ++end;
+    const std::string_view tag = _html.substr(name, end - name);
+    if (tag.empty() && !(name < _html.size() && (_html[name] == '!' || _html[name] == '?'))) {
+      _words.end();  // a mark that begins no tag
+      ++_at;
+      return;
+    }
+    if (!isInline(tag)) _words.end();
+    skipPast(">", end);
+    if (!isEnd) skipHidden(tag);
+  }
+
+  /// Elements within a word.
+  static bool isInline(std::string_view tag) {
+    for (std::string_view known : {"b", "i", "u", "em", "strong", "span", "font", "a", "wbr", "s"})
+      if (isSameWord(tag, known)) return true;
+    return false;
+  }
+
+  void skipPast(std::string_view closing, std::size_t from) {
+    const std::size_t end = _html.find(closing, from);
+    _at = end == kNone ? _html.size() : end + closing.size();
+  }
+
+  void skipHidden(std::string_view tag) {
+    for (std::string_view hidden : {"script", "style", "title"}) {
+      if (!isSameWord(tag, hidden)) continue;
+      while (_at < _html.size()) {
+        _at = std::min(_html.find("</", _at), _html.size());
+        if (startsWithWord(_html.substr(std::min(_at + 2, _html.size())), hidden)) return;
+        if (_at < _html.size()) _at += 2;
+      }
+    }
+  }
+
+  const std::string_view _html;
+  WordHasher& _words;
+  std::size_t _at = 0;
+};
+
+bool hasAll(const Words& all, const Words& some) {
+  for (Hash word : some)
+    if (!all.contains(word)) return false;
+  return true;
+}
+
+}  // namespace
+
+WordComparison compareWords(std::string_view plain, std::string_view html) {
+  Words plainWords, htmlWords;
+  WordHasher plainHasher(plainWords), htmlHasher(htmlWords);
+  plainHasher.add(plain);
+  plainHasher.end();
+  ShownText(html, htmlHasher).walk();
+  return {hasAll(plainWords, htmlWords), hasAll(htmlWords, plainWords)};
+}
+
+std::string htmlFromPlainText(std::string_view text) {
+  std::string html = "<pre>";
+  html.reserve(text.size() + text.size() / 16 + 16);
+  for (char c : text) {
+    switch (c) {
+      case '<':
+        html += "&lt;";
+        break;
+      case '>':
+        html += "&gt;";
+        break;
+      case '&':
+        html += "&amp;";
+        break;
+      default:
+        html += c;
+    }
+  }
+  return html += "</pre>\n";
+}
+
+}  // namespace kbx

@@ -1,0 +1,71 @@
+// HeaderFields: the fields of a header that somebody asks for.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace kbx {
+
+enum class HeaderField : std::uint8_t {
+  Bcc,
+  Cc,
+  ContentDisposition,
+  ContentLanguage,
+  ContentTransferEncoding,
+  ContentType,
+  Date,
+  From,
+  Importance,
+  InReplyTo,
+  Keywords,
+  ListID,
+  MSMailPriority,
+  Mailer,
+  MessageID,
+  Priority,
+  References,
+  ReplyTo,
+  Sender,
+  SpamFlag,
+  SpamStatus,
+  Subject,
+  To,
+  UserAgent,
+  XPriority,
+  Count
+};
+
+/// The raw values of the known fields in a header's bytes, which it only points into. The first
+/// field of a name wins. A field that nobody asks for costs one comparison and no memory, so that
+/// a header of a million fields is no burden.
+class HeaderFields {
+ public:
+  HeaderFields() = default;
+  /// header  whole lines; must outlive this
+  explicit HeaderFields(std::string_view header);
+
+  /// Empty without such a field.
+  std::string_view operator[](HeaderField field) const {
+    return _values[static_cast<std::size_t>(field)];
+  }
+  /// The date of the newest Received field, the topmost, where the value's date can be read: its
+  /// raw value. Empty without one.
+  std::string_view received() const { return _received; }
+
+ private:
+  void add(std::string_view name, std::string_view value);
+
+  std::array<std::string_view, static_cast<std::size_t>(HeaderField::Count)> _values;
+  std::string_view _received;
+};
+
+/// The length of the field name at the start of a line, which a colon follows; 0 without one.
+std::size_t fieldNameLength(std::string_view line);
+
+/// Whether the line begins with the name of a field that is known or customary in mail, so that it
+/// is hardly a sentence.
+bool beginsWithUsualField(std::string_view line);
+
+}  // namespace kbx

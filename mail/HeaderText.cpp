@@ -1,0 +1,132 @@
+#include "mail/HeaderText.h"
+
+#include "mail/ASCII.h"
+#include "mail/TransferDecoder.h"
+
+namespace kbx {
+namespace {
+
+constexpr std::size_t kNone = std::string_view::npos;
+
+/// "=?charset?B?bytes?=" and the place behind it.
+struct EncodedWord {
+  std::string_view charset;
+  char encoding = 0;
+  std::string_view bytes;
+  std::size_t end = 0;
+};
+
+class WordReader {
+ public:
+  WordReader(std::string_view text, TextDecoder& decoder) : _text(text), _decoder(decoder) {}
+
+  std::string read() {
+    while (_at < _text.size()) {
+      const std::size_t start = _text.find("=?", _at);
+      if (start == kNone) break;
+      EncodedWord word;
+      if (wordAt(start, &word))
+        takeWord(start, word);
+      else
+        takePlain(start + 2);
+    }
+    takePlain(_text.size());
+    flushWords();
+    return std::move(_result);
+  }
+
+ private:
+  /// The first "?=" from here on. Remembered, so that text full of beginnings is searched once.
+  std::size_t closingFrom(std::size_t place) {
+    if (_closing == kNone || _closing >= place) return _closing == kNone ? kNone : _closing;
+    return _closing = _text.find("?=", place);
+  }
+
+  bool wordAt(std::size_t start, EncodedWord* word) {
+    constexpr std::size_t kLongestCharset = 75;
+    const std::string_view head = _text.substr(start + 2, kLongestCharset + 3);
+    const std::size_t mark = head.find('?');
+    if (mark == kNone || mark == 0 || mark + 2 >= head.size() || head[mark + 2] != '?')
+      return false;
+    word->charset = head.substr(0, mark);
+    if (word->charset.find_first_of(" \t=") != kNone) return false;
+    word->charset = word->charset.substr(0, word->charset.find('*'));  // a language follows
+    word->encoding = lowercase(head[mark + 1]) == 'b' ? 'B' : 'Q';
+    if (word->encoding == 'Q' && lowercase(head[mark + 1]) != 'q') return false;
+    const std::size_t bytes = start + 2 + mark + 3;
+    const std::size_t closing = closingFrom(bytes);
+    if (closing == kNone) return false;
+    word->bytes = _text.substr(bytes, closing - bytes);
+    word->end = closing + 2;
+    // "=?utf-8?q?=?=" holds "=", and one more letter would be missed by the search for the end.
+    return true;
+  }
+
+  void takeWord(std::size_t start, const EncodedWord& word) {
+    const std::string_view between = _text.substr(_at, start - _at);
+    const bool isNeighbour = _hasWords && trimmed(between).empty();
+    if (!isNeighbour) takePlain(start);
+    if (!isNeighbour || !isSameWord(_charset, word.charset)) flushWords();
+    _charset = word.charset;
+    _hasWords = true;
+    _bytes += decodedWord(word.bytes, word.encoding);
+    _at = word.end;
+  }
+
+  void takePlain(std::size_t end) {
+    if (end <= _at) return;
+    flushWords();
+    _hasWords = false;
+    _result += _decoder.text(std::string(_text.substr(_at, end - _at)), {});
+    _at = end;
+  }
+
+  void flushWords() {
+    if (_bytes.empty()) return;
+    _result += _decoder.text(std::move(_bytes), _charset);
+    _bytes.clear();
+  }
+
+  const std::string_view _text;
+  TextDecoder& _decoder;
+  std::size_t _at = 0;
+  std::size_t _closing = 0;
+  std::string _result;
+  std::string _bytes;  // of words whose text is not made yet
+  std::string_view _charset;
+  bool _hasWords = false;
+};
+
+/// Line ends within a word say nothing.
+void flattenLines(std::string& text) {
+  for (char& c : text)
+    if (c == '\n' || c == '\r' || c == '\t') c = ' ';
+}
+
+}  // namespace
+
+std::string unfolded(std::string_view raw) {
+  std::string line;
+  line.reserve(raw.size());
+  raw = trimmed(raw);
+  for (std::size_t at = 0; at < raw.size();) {
+    const std::size_t end = std::min(raw.find_first_of("\r\n", at), raw.size());
+    line += raw.substr(at, end - at);
+    if (end == raw.size()) break;
+    while (!line.empty() && isSpace(line.back())) line.pop_back();
+    line += ' ';
+    at = std::min(raw.find_first_not_of(" \t\r\n", end), raw.size());
+  }
+  return line;
+}
+
+std::string headerText(std::string_view raw, TextDecoder& decoder) {
+  const std::string line = unfolded(raw);
+  std::string text =
+      line.find("=?") == kNone ? decoder.text(line, {}) : WordReader(line, decoder).read();
+  flattenLines(text);
+  const std::string_view inner = trimmed(text);
+  return inner.size() == text.size() ? text : std::string(inner);
+}
+
+}  // namespace kbx

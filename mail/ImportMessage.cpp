@@ -1,0 +1,25 @@
+#include "mail/ImportMessage.h"
+
+#include <utility>
+
+#include "mail/Attributes.h"
+#include "mail/EMLXFile.h"
+#include "mail/MessageReader.h"
+#include "mail/TextDecoder.h"
+
+namespace kbx {
+
+bool importMessage(NSURL* file, NSString* contentType, NSMutableDictionary* attributes) {
+  EMLXFile message(file, nullptr);
+  if (!message.isOpen()) return false;
+  TextDecoder decoder;
+  MessageReader reader(decoder);
+  for (auto piece = message.nextPiece(); !piece.empty(); piece = message.nextPiece())
+    reader.add(piece);
+  const std::uint64_t size = message.messageSize();
+  Ref<NSDictionary> properties = message.properties();
+  setAttributes(attributes, reader.take(), properties, size, contentType, decoder);
+  return true;
+}
+
+}  // namespace kbx

@@ -1,0 +1,13 @@
+// ImportMessage: from an .emlx file to the attributes of its message.
+#pragma once
+
+#include "platform/files/NSURL.h"
+#include "platform/objects/NSDictionary.h"
+
+namespace kbx {
+
+/// Sets the attributes of the message in a file; false, with nothing set, when the file cannot be
+/// opened. See docs/mail.md for the attributes. Safe from any thread.
+bool importMessage(NSURL* file, NSString* contentType, NSMutableDictionary* attributes);
+
+}  // namespace kbx

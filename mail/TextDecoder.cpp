@@ -1,0 +1,148 @@
+#include "mail/TextDecoder.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "mail/ASCII.h"
+#include "platform/objects/NSData.h"
+#include "platform/text/CharsetConverter.h"
+#include "platform/text/TextDetection.h"
+#include "platform/text/UTF8.h"
+
+namespace kbx {
+namespace {
+
+/// A charset whose name means a larger one where people use it.
+struct Customary {
+  std::string_view name;
+  const char* charset;
+};
+constexpr Customary kCustomary[] = {
+    {"gb2312", "gb18030"},
+    {"gbk", "gb18030"},
+    {"euc-kr", "windows-949"},
+    {"ks_c_5601-1987", "windows-949"},
+    {"shift_jis", "windows-31j"},
+    {"shift-jis", "windows-31j"},
+    {"sjis", "windows-31j"},
+    {"x-sjis", "windows-31j"},
+    {"iso-8859-8-i", "iso-8859-8"},
+    {"iso-8859-8-e", "iso-8859-8"},
+    {"iso-8859-6-i", "iso-8859-6"},
+    {"latin1", "iso-8859-1"},
+    {"x-mac-roman", "macintosh"},
+    {"unicode-1-1-utf-7", "utf-7"},
+    {"cp-850", "cp850"},
+    {"x-gbk", "gb18030"},
+    {"iso-2022-jp", "iso-2022-jp-2"},
+    {"big5", "big5-hkscs"},
+};
+
+/// The name for the conversion library; empty for what is no name at all. The library takes options
+/// and paths in names, which are none of a message's business.
+std::string libraryName(std::string_view charset) {
+  constexpr std::size_t kLongest = 40;
+  if (charset.empty() || charset.size() > kLongest) return {};
+  for (char c : charset)
+    if (!isASCIIAlphanumeric(c) && std::string_view("-_.:+()").find(c) == std::string_view::npos)
+      return {};
+  std::string name = lowercase(charset);
+  const auto* known = std::ranges::find(kCustomary, std::string_view(name), &Customary::name);
+  return known == std::end(kCustomary) ? name : known->charset;
+}
+
+bool isPlainUTF8(std::string_view name) {
+  return name.empty() || name == "utf-8" || name == "utf8" || name == "us-ascii" || name == "ascii";
+}
+
+/// Whether there are bytes that ISO 8859-1 keeps for control characters. Who writes them means the
+/// quotation marks and dashes that windows-1252 has there.
+bool hasHighControls(std::string_view bytes) {
+  return std::ranges::any_of(bytes, [](char c) {
+    return static_cast<unsigned char>(c) >= 0x80 && static_cast<unsigned char>(c) < 0xA0;
+  });
+}
+
+std::optional<std::string> converted(std::string_view bytes, const char* charset, bool isLossy) {
+  const auto units = decodeCharset(bytes, charset, isLossy);
+  if (!units) return std::nullopt;
+  const std::u16string_view text = *units;
+  return lossyUTF8FromUTF16(text.starts_with(u'\uFEFF') ? text.substr(1) : text);
+}
+
+/// The text where at most one character in ten beyond ASCII is malformed.
+std::optional<std::string> nearlyAllConverted(std::string_view bytes, const std::string& name) {
+  const auto units = decodeCharset(bytes, name.empty() ? "utf-8" : name.c_str(), true);
+  if (!units) return std::nullopt;
+  const auto beyond = std::ranges::count_if(*units, [](char16_t unit) { return unit >= 0x80; });
+  const auto malformed = std::ranges::count(*units, u'\uFFFD');
+  if (malformed * 10 > beyond) return std::nullopt;
+  return lossyUTF8FromUTF16(*units);
+}
+
+/// The length of the sequence that begins here; 0 when it is malformed.
+std::size_t sequenceLength(std::string_view bytes) {
+  const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
+  const unsigned first = at(0);
+  const std::size_t length = first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
+  if (length == 0 || first > 0xF4 || bytes.size() < length) return 0;
+  for (std::size_t i = 1; i < length; ++i)
+    if ((at(i) & 0xC0) != 0x80) return 0;
+  const unsigned second = at(1);
+  const bool isBad = (first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) ||
+                     (first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F);
+  return isBad ? 0 : length;
+}
+
+/// Readers show nothing for a NUL, and consumers in C would end there.
+std::string withoutNULs(std::string text) {
+  if (text.find('\0') != std::string::npos) std::erase(text, '\0');
+  return text;
+}
+
+bool startsWithUTF16Mark(std::string_view bytes) {
+  return bytes.starts_with("\xFF\xFE") || bytes.starts_with("\xFE\xFF");
+}
+
+}  // namespace
+
+bool isUTF8(std::string_view bytes) {
+  for (;;) {
+    bytes.remove_prefix(asciiPrefixLength(bytes));
+    // Other scripts come in runs, for which the fast search for ASCII is the slow way.
+    while (!bytes.empty() && static_cast<unsigned char>(bytes[0]) >= 0x80) {
+      const std::size_t length = sequenceLength(bytes);
+      if (length == 0) return false;
+      bytes.remove_prefix(length);
+    }
+    if (bytes.empty()) return true;
+  }
+}
+
+std::string TextDecoder::guessedText(const std::string& bytes) {
+  if (_guessesLeft > 0) {
+    --_guessesLeft;
+    if (auto text = stringByDetectingEncoding(NSData::dataWithBytes(bytes), nullptr))
+      return text->lossyUTF8();
+  }
+  return converted(bytes, "windows-1252", true).value_or(std::string());
+}
+
+std::string TextDecoder::text(std::string bytes, std::string_view charset) {
+  const std::string name = libraryName(charset);
+  if (bytes.starts_with("\xEF\xBB\xBF")) bytes.erase(0, 3);
+  if (isPlainUTF8(name)) {
+    if (isUTF8(bytes)) return withoutNULs(std::move(bytes));
+  } else {
+    const bool isLatin1 = name == "iso-8859-1" && hasHighControls(bytes) && !isUTF8(bytes);
+    auto text = converted(bytes, isLatin1 ? "windows-1252" : name.c_str(), false);
+    if (text) return withoutNULs(std::move(*text));
+    if (isUTF8(bytes)) return withoutNULs(std::move(bytes));
+  }
+  if (!startsWithUTF16Mark(bytes))
+    if (auto text = nearlyAllConverted(bytes, name)) return withoutNULs(std::move(*text));
+  return withoutNULs(guessedText(bytes));
+}
+
+}  // namespace kbx

@@ -1,0 +1,107 @@
+#include "mail/TransferDecoder.h"
+
+#include <algorithm>
+
+#include "mail/ASCII.h"
+
+namespace kbx {
+namespace {
+
+GMimeContentEncoding kindOf(std::string_view encoding) {
+  encoding = trimmed(encoding);
+  encoding = encoding.substr(0, encoding.find_first_of(" \t\r\n;("));
+  if (isSameWord(encoding, "base64")) return GMIME_CONTENT_ENCODING_BASE64;
+  if (isSameWord(encoding, "quoted-printable")) return GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE;
+  for (std::string_view name : {"x-uuencode", "uuencode", "x-uue"})
+    if (isSameWord(encoding, name)) return GMIME_CONTENT_ENCODING_UUENCODE;
+  return GMIME_CONTENT_ENCODING_BINARY;
+}
+
+bool isBase64Letter(char c) { return isASCIIAlphanumeric(c) || c == '+' || c == '/' || c == '='; }
+
+/// Whether the start of a body is plain text under a wrong name: every twentieth character of what
+/// is no line end does not belong to base64.
+bool isNoBase64(std::string_view start) {
+  start = trimmed(start.substr(0, 4096));
+  std::size_t wrong = 0, right = 0;
+  for (char c : start)
+    if (isBase64Letter(c))
+      ++right;
+    else if (c != '\n' && c != '\r')
+      ++wrong;
+  return wrong * 20 > right;
+}
+
+std::size_t decode(GMimeEncoding* state, std::string_view bytes, std::string* out) {
+  const std::size_t before = out->size();
+  out->resize(before + g_mime_encoding_outlen(state, bytes.size()));
+  const std::size_t count =
+      g_mime_encoding_step(state, bytes.data(), bytes.size(), out->data() + before);
+  out->resize(before + count);
+  return count;
+}
+
+}  // namespace
+
+TransferDecoder::TransferDecoder(std::string_view encoding) : _kind(kindOf(encoding)) {
+  g_mime_encoding_init_decode(&_state, _kind);
+}
+
+void TransferDecoder::add(std::string_view bytes) {
+  if (!_hasBegun && _kind == GMIME_CONTENT_ENCODING_BASE64 && !trimmed(bytes).empty()) {
+    _hasBegun = true;
+    if (isNoBase64(bytes)) _kind = GMIME_CONTENT_ENCODING_BINARY;
+  }
+  if (_kind == GMIME_CONTENT_ENCODING_BINARY || _kind == GMIME_CONTENT_ENCODING_UUENCODE)
+    _decoded += bytes;
+  else
+    step(bytes);
+}
+
+void TransferDecoder::step(std::string_view bytes) {
+  constexpr std::size_t kPiece = 1 << 16;  // the library asks for room for the worst case
+  for (; !bytes.empty(); bytes.remove_prefix(std::min(kPiece, bytes.size())))
+    decode(&_state, bytes.substr(0, kPiece), &_decoded);
+}
+
+void TransferDecoder::skipToUUEncodedData() {
+  const std::size_t begin = _decoded.starts_with("begin ") ? 0 : _decoded.find("\nbegin ");
+  if (begin == std::string::npos) return;
+  const std::size_t data = _decoded.find('\n', begin + 1);
+  if (data == std::string::npos) return;
+  std::string encoded = _decoded.substr(data + 1);
+  _decoded.clear();
+  _state.state = GMIME_UUDECODE_STATE_BEGIN;
+  step(encoded);
+}
+
+std::string TransferDecoder::take() {
+  if (_kind == GMIME_CONTENT_ENCODING_UUENCODE) skipToUUEncodedData();
+  // Missing padding keeps the last bytes in the decoder.
+  if (_kind == GMIME_CONTENT_ENCODING_BASE64) step("===");
+  return std::move(_decoded);
+}
+
+std::string decodedWord(std::string_view bytes, char encoding) {
+  std::string decoded;
+  if (encoding == 'B') {
+    GMimeEncoding state;
+    g_mime_encoding_init_decode(&state, GMIME_CONTENT_ENCODING_BASE64);
+    decode(&state, bytes, &decoded);
+    decode(&state, "===", &decoded);
+    return decoded;
+  }
+  for (std::size_t i = 0; i < bytes.size(); ++i) {
+    const bool isEscape = bytes[i] == '=' && i + 2 < bytes.size() &&
+                          hexValue(bytes[i + 1]) >= 0 && hexValue(bytes[i + 2]) >= 0;
+    if (!isEscape) {
+      decoded += bytes[i] == '_' ? ' ' : bytes[i];
+      continue;
+    }
+    decoded += static_cast<char>(hexValue(bytes[i + 1]) * 16 + hexValue(bytes[i + 2]));
+    i += 2;
+  }
+  return decoded;
+}
+
+}  // namespace kbx

@@ -6,6 +6,8 @@
 namespace kbx {
 namespace {
 
+constexpr std::size_t kLongest = 1 << 15;  // of a name or an address; the rest is cut off
+
 /// Reads one value from left to right, a character at a time.
 class AddressReader {
  public:
@@ -113,20 +115,35 @@ class AddressReader {
 
   void endMailbox() {
     Mailbox mailbox;
-    const std::string_view phrase = trimmed(_phrase);
+    const std::string_view phrase = trimmed(std::string_view(_phrase).substr(0, kLongest));
+    const std::string_view comment = _comment.substr(0, kLongest);
     if (_hasAngle) {
-      mailbox.address = addressText(_address);
-      mailbox.name = headerText(phrase.empty() ? _comment : phrase, _decoder);
+      mailbox.address = addressText(_address.substr(0, kLongest));
+      mailbox.name = headerText(phrase.empty() ? comment : phrase, _decoder);
     } else {
       mailbox.address = addressText(phrase);
-      mailbox.name = headerText(_comment, _decoder);
+      mailbox.name = headerText(comment, _decoder);
     }
     if (!mailbox.name.empty() || !mailbox.address.empty()) _found.push_back(std::move(mailbox));
     clear();
   }
 
-  /// An address may have been encoded as if it were a phrase.
-  std::string addressText(std::string_view bytes) { return headerText(bytes, _decoder); }
+  /// An address may have been encoded as if it were a phrase. Blanks around its dots and its sign
+  /// are no part of it.
+  std::string addressText(std::string_view bytes) {
+    const std::string text = headerText(bytes, _decoder);
+    if (text.find(' ') == std::string::npos || text.find('@') == std::string::npos) return text;
+    std::string address;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      const std::size_t next = std::min(text.find_first_not_of(' ', i), text.size() - 1);
+      const bool isBehindMark =
+          !address.empty() && (address.back() == '.' || address.back() == '@');
+      const bool isBeforeMark = text[next] == '.' || text[next] == '@';
+      if (text[i] != ' ' || (!isBehindMark && !isBeforeMark)) address += text[i];
+      if (text[i] == ' ') i = next - 1;
+    }
+    return address;
+  }
 
   void clear() {
     _phrase.clear();

@@ -33,6 +33,12 @@ std::string_view withoutBrackets(std::string_view text) {
   return trimmed(end == text.npos ? text : text.substr(start + 1, end - start - 1));
 }
 
+/// The same objects are shared by all attributes that name them.
+struct People {
+  NSArray::Elements names;      // with the address where there is none
+  NSArray::Elements addresses;  // where there is one
+};
+
 class AttributeWriter {
  public:
   AttributeWriter(NSMutableDictionary* attributes, const HeaderFields& header, TextDecoder& decoder)
@@ -45,11 +51,13 @@ class AttributeWriter {
     if (!text.empty()) set(name, stringOf(std::move(text)));
   }
   void setTexts(NSString* name, std::vector<std::string> texts) {
-    if (texts.empty()) return;
     NSArray::Elements elements;
     elements.reserve(texts.size());
     for (std::string& text : texts) elements.push_back(stringOf(std::move(text)));
-    set(name, NSArray::arrayWithElements(std::move(elements)));
+    setElements(name, std::move(elements));
+  }
+  void setElements(NSString* name, NSArray::Elements elements) {
+    if (!elements.empty()) set(name, NSArray::arrayWithElements(std::move(elements)));
   }
   void setDate(NSString* name, std::optional<double> seconds) {
     if (seconds) set(name, NSDate::dateWithTimeIntervalSince1970(*seconds));
@@ -62,10 +70,11 @@ class AttributeWriter {
   }
 
   void setSubject() {
-    const std::string subject = headerText(_header[HeaderField::Subject], _decoder);
-    if (!_header[HeaderField::Subject].data()) return;
-    set("kMDItemSubject"_ns, stringOf(subject));
-    setText("kMDItemDisplayName"_ns, subject);
+    const std::string_view raw = _header[HeaderField::Subject];
+    if (!raw.data()) return;
+    Ref<NSString> subject = stringOf(headerText(raw, _decoder));
+    set("kMDItemSubject"_ns, subject);
+    if (subject->length() > 0) set("kMDItemDisplayName"_ns, subject);
   }
 
   void setPeople();
@@ -77,7 +86,7 @@ class AttributeWriter {
 
  private:
   std::string text(HeaderField field) { return headerText(_header[field], _decoder); }
-  std::vector<Mailbox> people(HeaderField field) { return mailboxes(_header[field], _decoder); }
+  People people(HeaderField field);
   std::vector<std::string> list(HeaderField field);
 
   NSMutableDictionary* const _attributes;
@@ -85,40 +94,33 @@ class AttributeWriter {
   TextDecoder& _decoder;
 };
 
-std::vector<std::string> addressesOf(const std::vector<Mailbox>& people) {
-  std::vector<std::string> addresses;
-  for (const Mailbox& one : people)
-    if (!one.address.empty()) addresses.push_back(one.address);
-  return addresses;
-}
-
-std::vector<std::string> namesOf(const std::vector<Mailbox>& people) {
-  std::vector<std::string> names;
-  for (const Mailbox& one : people) names.push_back(one.name.empty() ? one.address : one.name);
-  return names;
-}
-
-void appendAll(std::vector<std::string>& all, std::vector<std::string> more) {
-  all.insert(all.end(), std::make_move_iterator(more.begin()), std::make_move_iterator(more.end()));
+People AttributeWriter::people(HeaderField field) {
+  People people;
+  for (Mailbox& one : mailboxes(_header[field], _decoder)) {
+    Ref<NSString> address = stringOf(std::move(one.address));
+    people.names.push_back(one.name.empty() ? address : stringOf(std::move(one.name)));
+    if (address->length() > 0) people.addresses.push_back(std::move(address));
+  }
+  return people;
 }
 
 void AttributeWriter::setPeople() {
-  const auto authors = people(HeaderField::From);
-  setTexts("kMDItemAuthors"_ns, namesOf(authors));
-  setTexts("kMDItemAuthorEmailAddresses"_ns, addressesOf(authors));
+  People authors = people(HeaderField::From);
+  setElements("kMDItemAuthors"_ns, std::move(authors.names));
+  setElements("kMDItemAuthorEmailAddresses"_ns, std::move(authors.addresses));
   const std::pair<HeaderField, NSString*> kinds[] = {
       {HeaderField::To, "kMDItemPrimaryRecipientEmailAddresses"_ns},
       {HeaderField::Cc, "kMDItemAdditionalRecipientEmailAddresses"_ns},
       {HeaderField::Bcc, "kMDItemHiddenAdditionalRecipientEmailAddresses"_ns}};
-  std::vector<std::string> names, addresses;
+  People all;
   for (const auto& [field, attribute] : kinds) {
-    const auto recipients = people(field);
-    setTexts(attribute, addressesOf(recipients));
-    appendAll(names, namesOf(recipients));
-    appendAll(addresses, addressesOf(recipients));
+    People some = people(field);
+    all.names.insert(all.names.end(), some.names.begin(), some.names.end());
+    all.addresses.insert(all.addresses.end(), some.addresses.begin(), some.addresses.end());
+    setElements(attribute, std::move(some.addresses));
   }
-  setTexts("kMDItemRecipients"_ns, std::move(names));
-  setTexts("kMDItemRecipientEmailAddresses"_ns, std::move(addresses));
+  setElements("kMDItemRecipients"_ns, std::move(all.names));
+  setElements("kMDItemRecipientEmailAddresses"_ns, std::move(all.addresses));
 }
 
 /// A date in a mail client's list: a date, or seconds since 1970.
@@ -201,8 +203,8 @@ void AttributeWriter::setOwn(const MessageContent& content, std::uint64_t size) 
   setTexts("org_ferncase_mail_inReplyTo"_ns, identifiers(text(HeaderField::InReplyTo)));
   setTexts("org_ferncase_mail_references"_ns, identifiers(text(HeaderField::References)));
   setText("org_ferncase_mail_listID"_ns, text(HeaderField::ListID));
-  setTexts("org_ferncase_mail_replyTo"_ns, addressesOf(people(HeaderField::ReplyTo)));
-  setTexts("org_ferncase_mail_sender"_ns, addressesOf(people(HeaderField::Sender)));
+  setElements("org_ferncase_mail_replyTo"_ns, people(HeaderField::ReplyTo).addresses);
+  setElements("org_ferncase_mail_sender"_ns, people(HeaderField::Sender).addresses);
   setNumber("org_ferncase_mail_size"_ns, static_cast<std::int64_t>(size));
   setBool("org_ferncase_mail_hasAttachment"_ns, content.hasAttachment);
   setBool("org_ferncase_mail_signed"_ns, content.isSigned);

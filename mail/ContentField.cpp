@@ -38,10 +38,7 @@ class Scanner {
   std::string quoted() {
     std::string value;
     for (skip(); !isAtEnd() && next() != '"'; skip()) {
-      // Windows paths are written with single backslashes: only a quote or a backslash is escaped.
-      if (next() == '\\' && _at + 1 < _text.size() &&
-          (_text[_at + 1] == '"' || _text[_at + 1] == '\\'))
-        skip();
+      if (next() == '\\' && _at + 1 < _text.size()) skip();
       value += next();
     }
     if (!isAtEnd()) skip();

@@ -18,7 +18,7 @@ struct MessageContent {
   std::string header;  // the bytes of the message's own header fields
   TextSections sections;
   std::vector<Attachment> namedParts;  // in order; those of attached messages left out
-  bool hasPlainPart = false;           // one with text in it, outside of attached messages
+  bool hasPlainPart = false;           // one with text, not in an attached or wrapped message
   bool hasHTMLPart = false;
   bool hasAttachment = false;  // named or not
   bool isSigned = false;

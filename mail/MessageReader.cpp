@@ -18,6 +18,7 @@ constexpr std::size_t kLongestBoundary = 1 << 10;
 constexpr std::size_t kLongestPreamble = 1 << 20;
 constexpr std::size_t kMostContainers = 4096;
 constexpr std::size_t kMostAlternatives = 16;  // one in another: each copies its text once
+constexpr std::size_t kMostForms = 64;         // of one text; more are one with the last
 constexpr int kMostEmbedding = 8;
 
 std::string_view withoutLineEnd(std::string_view line) {
@@ -150,7 +151,9 @@ void MessageReader::endHeader() {
 
 void MessageReader::recordAttachment(const ContentField& type, const ContentField& disposition) {
   if (_messageCount > 0) return;
-  std::string name = disposition.text("filename", _decoder);
+  // Parameters of nothing are nobody's, as every reader has it.
+  std::string name;
+  if (!disposition.value().empty()) name = disposition.text("filename", _decoder);
   if (name.empty()) name = type.text("name", _decoder);
   const bool isMeant = disposition.value() == "attachment" || !name.empty();
   _content.hasAttachment |= (isMeant && !isSignature(type.value())) || isAttachment(type.value());
@@ -271,8 +274,6 @@ void MessageReader::readEmbedded(std::string bytes) {
   _content.isSigned |= inner.isSigned;
   _content.isEncrypted |= inner.isEncrypted;
   if (_messageCount > 0) return;
-  _content.hasPlainPart |= inner.hasPlainPart;
-  _content.hasHTMLPart |= inner.hasHTMLPart;
   _content.hasAttachment |= inner.hasAttachment;
   for (Attachment& part : inner.namedParts) _content.namedParts.push_back(std::move(part));
 }
@@ -327,7 +328,8 @@ void MessageReader::beginPart(std::size_t index) {
   Container& container = _containers[index];
   container.hasParts = true;
   container.preamble.reset();
-  if (container.isAlternative) container.starts.push_back(_content.sections.mark());
+  if (container.isAlternative && container.starts.size() < kMostForms)
+    container.starts.push_back(_content.sections.mark());
   _state = State::Header;
 }
 

@@ -1,21 +1,13 @@
 #include "mail/TransferDecoder.h"
 
+#include <gmime/gmime-encodings.h>
+
 #include <algorithm>
 
 #include "mail/ASCII.h"
 
 namespace kbx {
 namespace {
-
-GMimeContentEncoding kindOf(std::string_view encoding) {
-  encoding = trimmed(encoding);
-  encoding = encoding.substr(0, encoding.find_first_of(" \t\r\n;("));
-  if (isSameWord(encoding, "base64")) return GMIME_CONTENT_ENCODING_BASE64;
-  if (isSameWord(encoding, "quoted-printable")) return GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE;
-  for (std::string_view name : {"x-uuencode", "uuencode", "x-uue"})
-    if (isSameWord(encoding, name)) return GMIME_CONTENT_ENCODING_UUENCODE;
-  return GMIME_CONTENT_ENCODING_BINARY;
-}
 
 bool isBase64Letter(char c) { return isASCIIAlphanumeric(c) || c == '+' || c == '/' || c == '='; }
 
@@ -43,16 +35,32 @@ std::size_t decode(GMimeEncoding* state, std::string_view bytes, std::string* ou
 
 }  // namespace
 
-TransferDecoder::TransferDecoder(std::string_view encoding) : _kind(kindOf(encoding)) {
-  g_mime_encoding_init_decode(&_state, _kind);
+TransferDecoder::Kind TransferDecoder::kindOf(std::string_view encoding) {
+  encoding = trimmed(encoding);
+  encoding = encoding.substr(0, encoding.find_first_of(" \t\r\n;("));
+  if (isSameWord(encoding, "base64")) return Kind::Base64;
+  if (isSameWord(encoding, "quoted-printable")) return Kind::QuotedPrintable;
+  for (std::string_view name : {"x-uuencode", "uuencode", "x-uue"})
+    if (isSameWord(encoding, name)) return Kind::UUEncode;
+  return Kind::None;
 }
 
+TransferDecoder::TransferDecoder(std::string_view encoding)
+    : _kind(kindOf(encoding)), _state(std::make_unique<_GMimeEncoding>()) {
+  g_mime_encoding_init_decode(_state.get(), _kind == Kind::Base64 ? GMIME_CONTENT_ENCODING_BASE64
+                                            : _kind == Kind::UUEncode
+                                                ? GMIME_CONTENT_ENCODING_UUENCODE
+                                                : GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE);
+}
+
+TransferDecoder::~TransferDecoder() = default;
+
 void TransferDecoder::add(std::string_view bytes) {
-  if (!_hasBegun && _kind == GMIME_CONTENT_ENCODING_BASE64 && !trimmed(bytes).empty()) {
+  if (!_hasBegun && _kind == Kind::Base64 && !trimmed(bytes).empty()) {
     _hasBegun = true;
-    if (isNoBase64(bytes)) _kind = GMIME_CONTENT_ENCODING_BINARY;
+    if (isNoBase64(bytes)) _kind = Kind::None;
   }
-  if (_kind == GMIME_CONTENT_ENCODING_BINARY || _kind == GMIME_CONTENT_ENCODING_UUENCODE)
+  if (_kind == Kind::None || _kind == Kind::UUEncode)
     _decoded += bytes;
   else
     step(bytes);
@@ -61,7 +69,7 @@ void TransferDecoder::add(std::string_view bytes) {
 void TransferDecoder::step(std::string_view bytes) {
   constexpr std::size_t kPiece = 1 << 16;  // the library asks for room for the worst case
   for (; !bytes.empty(); bytes.remove_prefix(std::min(kPiece, bytes.size())))
-    decode(&_state, bytes.substr(0, kPiece), &_decoded);
+    decode(_state.get(), bytes.substr(0, kPiece), &_decoded);
 }
 
 void TransferDecoder::skipToUUEncodedData() {
@@ -71,14 +79,14 @@ void TransferDecoder::skipToUUEncodedData() {
   if (data == std::string::npos) return;
   std::string encoded = _decoded.substr(data + 1);
   _decoded.clear();
-  _state.state = GMIME_UUDECODE_STATE_BEGIN;
+  _state->state = GMIME_UUDECODE_STATE_BEGIN;
   step(encoded);
 }
 
 std::string TransferDecoder::take() {
-  if (_kind == GMIME_CONTENT_ENCODING_UUENCODE) skipToUUEncodedData();
+  if (_kind == Kind::UUEncode) skipToUUEncodedData();
   // Missing padding keeps the last bytes in the decoder.
-  if (_kind == GMIME_CONTENT_ENCODING_BASE64) step("===");
+  if (_kind == Kind::Base64) step("===");
   return std::move(_decoded);
 }
 
@@ -92,8 +100,8 @@ std::string decodedWord(std::string_view bytes, char encoding) {
     return decoded;
   }
   for (std::size_t i = 0; i < bytes.size(); ++i) {
-    const bool isEscape = bytes[i] == '=' && i + 2 < bytes.size() &&
-                          hexValue(bytes[i + 1]) >= 0 && hexValue(bytes[i + 2]) >= 0;
+    const bool isEscape = bytes[i] == '=' && i + 2 < bytes.size() && hexValue(bytes[i + 1]) >= 0 &&
+                          hexValue(bytes[i + 2]) >= 0;
     if (!isEscape) {
       decoded += bytes[i] == '_' ? ' ' : bytes[i];
       continue;

@@ -1,10 +1,11 @@
 // TransferDecoder: the bytes of a body, its transfer encoding removed.
 #pragma once
 
-#include <gmime/gmime-encodings.h>
-
+#include <memory>
 #include <string>
 #include <string_view>
+
+struct _GMimeEncoding;  // of the MIME library, whose headers stay out of ours
 
 namespace kbx {
 
@@ -14,6 +15,7 @@ class TransferDecoder {
  public:
   /// encoding  the value of Content-Transfer-Encoding, in any case
   explicit TransferDecoder(std::string_view encoding);
+  ~TransferDecoder();
 
   void add(std::string_view bytes);
   /// All bytes decoded so far. The decoder is used no more afterwards.
@@ -23,8 +25,11 @@ class TransferDecoder {
   void step(std::string_view bytes);
   void skipToUUEncodedData();
 
-  GMimeContentEncoding _kind;
-  GMimeEncoding _state;
+  enum class Kind : unsigned char { None, Base64, QuotedPrintable, UUEncode };
+  static Kind kindOf(std::string_view encoding);
+
+  Kind _kind;
+  const std::unique_ptr<_GMimeEncoding> _state;
   bool _hasBegun = false;
   std::string _decoded;
 };

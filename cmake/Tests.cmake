@@ -14,6 +14,7 @@ target_compile_definitions(ferncase_test_settings INTERFACE
   FERNCASE_BUILD_DIR="${PROJECT_BINARY_DIR}"
   FERNCASE_BUNDLES_DIR="${PROJECT_BINARY_DIR}/tests/bundles"
   FERNCASE_SPOTLIGHT_DIR="${PROJECT_BINARY_DIR}/${FERNCASE_SPOTLIGHT_DIR}"
+  FERNCASE_SYSTEM_SPOTLIGHT_DIR="${PROJECT_BINARY_DIR}/${FERNCASE_SYSTEM_SPOTLIGHT_DIR}"
   FERNCASE_BINARY="${PROJECT_BINARY_DIR}/${FERNCASE_BIN_DIR}/ferncase")
 
 # The programs that `ctest -L threads` needs; the build against data races makes these alone.

@@ -58,7 +58,8 @@ class WordReader {
     if (closing == kNone) return false;
     word->bytes = _text.substr(bytes, closing - bytes);
     word->end = closing + 2;
-    // "=?utf-8?q?=?=" holds "=", and one more letter would be missed by the search for the end.
+    // What holds the beginning of another word is not closed itself.
+    if (word->bytes.find("=?") != kNone) return false;
     return true;
   }
 

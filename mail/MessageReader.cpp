@@ -104,7 +104,11 @@ void MessageReader::takeHeaderLine(std::string_view line) {
   if (withoutBlanksBehind(text).empty()) {
     // Blank lines before everything else are a slip, not a message without a header.
     if (isFirst && _isTop && _containers.empty()) return;
-    if (text.empty() || !_suspects.empty()) return giveUpHeader();
+    if (text.empty() || !_suspects.empty()) {
+      const bool isOfBody = !_suspects.empty();
+      giveUpHeader();
+      return isOfBody && _state != State::Header ? addBody(line) : void();
+    }
   }
   const bool isContinued = !text.empty() && (text[0] == ' ' || text[0] == '\t');
   const bool belongs = (isContinued && !_header.empty()) || fieldNameLength(text) > 0;
@@ -128,9 +132,7 @@ void MessageReader::takeSuspect(std::string_view line) {
 void MessageReader::giveUpHeader() {
   const std::string body = std::exchange(_suspects, {});
   endHeader();
-  if (body.empty()) return;
   for (std::string_view rest = body; !rest.empty();) takeLine(takeFirstLine(&rest));
-  if (_state != State::Header) addBody("\n");
 }
 
 void MessageReader::endHeader() {

@@ -1,0 +1,57 @@
+#include "mail/HTMLWords.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/mail/Messages.h"
+
+namespace kbx {
+namespace {
+
+bool plainHasAll(std::string_view plain, std::string_view html) {
+  return compareWords(plain, html).plainHasAllOfHTML;
+}
+
+TEST(HTMLWords, WhatIsShownIsCompared) {
+  EXPECT_TRUE(plainHasAll("Hello, world", "<p>Hello <b>world</b></p>"));
+  EXPECT_FALSE(plainHasAll("Hello", "<p>Hello <b>world</b></p>"));
+  EXPECT_TRUE(plainHasAll("hello WORLD", "<i>HELLO</i> world"));
+}
+
+TEST(HTMLWords, WhatIsHiddenIsNotCompared) {
+  EXPECT_TRUE(plainHasAll("a",
+                          "<title>t</title><style>x</style><script>y</style></script>a<!-- c -->"
+                          "<img alt='d' src=e>"));
+  EXPECT_TRUE(plainHasAll("a", "a<!-- open"));
+  EXPECT_TRUE(plainHasAll("a", "a<p open"));
+}
+
+TEST(HTMLWords, MarksWithinAWordDoNotPartIt) {
+  EXPECT_TRUE(plainHasAll("word", "w<b>or</b>d"));
+  EXPECT_FALSE(plainHasAll("word", "wo<td>rd"));
+}
+
+TEST(HTMLWords, EntitiesAreLettersAndPunctuation) {
+  EXPECT_TRUE(plainHasAll("caf\xC3\xA9 a b", "caf&eacute;&nbsp;a&#160;b"));
+  EXPECT_TRUE(plainHasAll("caf\xC3\xA9", "caf&#233; caf&#xE9;"));
+  EXPECT_TRUE(plainHasAll("don't", "don&rsquo;t don\xE2\x80\x99t"));
+  EXPECT_FALSE(plainHasAll("x", "x&unknown;"));
+  EXPECT_TRUE(plainHasAll("1 2", "1 < 2 & 1 <"));
+}
+
+TEST(HTMLWords, TheOtherDirectionIsComparedToo) {
+  const WordComparison words = compareWords("one two three", "<p>one two</p>");
+  EXPECT_TRUE(words.plainHasAllOfHTML);
+  EXPECT_FALSE(words.htmlHasAllOfPlain);
+}
+
+TEST(HTMLWords, PlainTextIsEscaped) {
+  EXPECT_EQ(htmlFromPlainText("a < b && c > d\n"), "<pre>a &lt; b &amp;&amp; c &gt; d\n</pre>\n");
+}
+
+TEST(HTMLWords, HostileMarkupCostsTimeInProportion) {
+  for (std::string_view piece : {"<", "&", "<!--", "<script>", "</", "<a", "&a;"})
+    compareWords("a", repeated(piece, 1000000));
+}
+
+}  // namespace
+}  // namespace kbx

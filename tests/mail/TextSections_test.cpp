@@ -1,0 +1,80 @@
+#include "mail/TextSections.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/mail/Messages.h"
+
+namespace kbx {
+namespace {
+
+std::string part(std::string_view type, std::string_view body) {
+  return "--b\nContent-Type: " + std::string(type) + "\n\n" + std::string(body) + "\n";
+}
+
+/// "plain text ~ HTML" of a multipart with these parts, line ends left out.
+std::string both(std::string_view kind, std::string_view parts) {
+  MessageContent content = contentOf("Content-Type: multipart/" + std::string(kind) +
+                                     "; boundary=b\n\n" + std::string(parts) + "--b--\n");
+  const BodyText text = content.sections.take();
+  std::string result = text.plain + " ~ " + text.html;
+  std::erase(result, '\n');
+  return result;
+}
+
+TEST(TextSections, PlainPartsAreTheText) {
+  EXPECT_EQ(both("mixed", part("text/plain", "one") + part("text/plain", "two")), "onetwo ~ ");
+}
+
+TEST(TextSections, ASectionInHTMLAloneMakesOneHTMLTextOfAll) {
+  EXPECT_EQ(both("mixed", part("text/plain", "a < b") + part("text/html", "<p>two") +
+                              part("text/plain", "three")),
+            " ~ <pre>a &lt; b</pre><p>two<pre>three</pre>");
+}
+
+TEST(TextSections, AnAlternativeWithTheSameWordsHasBothForms) {
+  EXPECT_EQ(both("alternative", part("text/plain", "one two") + part("text/html", "<p>one two")),
+            "one two ~ <p>one two");
+}
+
+TEST(TextSections, WordsInHTMLAloneAreNotLost) {
+  EXPECT_EQ(both("alternative", part("text/plain", "one") + part("text/html", "<p>one two")),
+            " ~ <p>one two");
+}
+
+TEST(TextSections, WordsInPlainTextAloneAreNotLostEither) {
+  EXPECT_EQ(both("alternative", part("text/plain", "see below") + part("text/html", "<p>one two")),
+            " ~ <pre>see below</pre><p>one two");
+}
+
+TEST(TextSections, FormsMayHavePartsOfTheirOwn) {
+  const std::string related =
+      "--b\nContent-Type: multipart/related; boundary=c\n\n--c\nContent-Type: text/html\n\n<p>one\n"
+      "--c\nContent-Type: image/png\n\nxyz\n--c--\n";
+  EXPECT_EQ(both("alternative", part("text/plain", "one") + related), "one ~ <p>one");
+}
+
+TEST(TextSections, AnAlternativeOfOneFormIsThatForm) {
+  EXPECT_EQ(both("alternative", part("text/html", "<p>x")), " ~ <p>x");
+  EXPECT_EQ(both("alternative", part("text/plain", "x") + part("text/calendar", "BEGIN")), "x ~ ");
+  EXPECT_EQ(both("alternative", part("text/plain", "") + part("text/html", "<p>x")), " ~ <p>x");
+  EXPECT_EQ(both("alternative", ""), " ~ ");
+}
+
+TEST(TextSections, NeighboursOfOneFormAreOneSection) {
+  TextSections sections;
+  for (int i = 0; i < 1000; ++i) sections.addPlain("x");
+  EXPECT_EQ(sections.sections().size(), 1u);
+  sections.addHTML("<p>");
+  sections.addHTML("<p>");
+  EXPECT_EQ(sections.sections().size(), 2u);
+}
+
+TEST(TextSections, BlankTextIsNoSection) {
+  TextSections sections;
+  sections.addPlain(" \r\n\t");
+  sections.addHTML("\n");
+  EXPECT_TRUE(sections.isEmpty());
+}
+
+}  // namespace
+}  // namespace kbx

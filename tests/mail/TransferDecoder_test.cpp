@@ -1,0 +1,53 @@
+#include "mail/TransferDecoder.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/mail/Messages.h"
+
+namespace kbx {
+namespace {
+
+std::string decoded(std::string_view bytes, std::string_view encoding, std::size_t piece = 1000) {
+  TransferDecoder decoder(encoding);
+  for (; !bytes.empty(); bytes.remove_prefix(std::min(piece, bytes.size())))
+    decoder.add(bytes.substr(0, piece));
+  return decoder.take();
+}
+
+TEST(TransferDecoder, Base64IsDecodedInPiecesOfAnySize) {
+  for (std::size_t piece : {1, 3, 7, 1000})
+    EXPECT_EQ(decoded("aGVsbG8g\nd29ybGQ=\n", "BASE64 ", piece), "hello world") << piece;
+}
+
+TEST(TransferDecoder, Base64MayLackItsPaddingAndHoldForeignCharacters) {
+  EXPECT_EQ(decoded("aGVsbG8gd29ybGQ", "base64"), "hello world");
+  EXPECT_EQ(decoded("aGVsbG8gd29ybA", "base64"), "hello worl");
+  EXPECT_EQ(decoded("aGVsbG8g-d29ybGQgaGVsbG8gd29ybGQ=", "base64"), "hello world hello world");
+}
+
+TEST(TransferDecoder, PlainTextUnderTheNameOfBase64StaysAsItIs) {
+  EXPECT_EQ(decoded("Dear Ada, this is no base64 at all.\n", "base64"),
+            "Dear Ada, this is no base64 at all.\n");
+}
+
+TEST(TransferDecoder, QuotedPrintableIsDecodedAndItsErrorsAreText) {
+  EXPECT_EQ(decoded("caf=C3=A9 =\nau lait=20\n", "Quoted-Printable"), "café au lait \n");
+  EXPECT_EQ(decoded("100=% =zz", "quoted-printable"), "100=% =zz");
+}
+
+TEST(TransferDecoder, UuencodedDataStandsBehindItsFirstLine) {
+  EXPECT_EQ(decoded("intro\nbegin 644 a.txt\n+:&5L;&\\@=V]R;&0 \n`\nend\n", "x-uuencode"),
+            "hello world");
+}
+
+TEST(TransferDecoder, OtherEncodingsAreNone) {
+  for (std::string_view encoding : {"7bit", "8bit", "binary", "", "x-secret", "base"})
+    EXPECT_EQ(decoded("a=20b", encoding), "a=20b") << encoding;
+}
+
+TEST(TransferDecoder, AnEncodingMayBeFollowedByAComment) {
+  EXPECT_EQ(decoded("aGVsbG8=", " base64; (really)"), "hello");
+}
+
+}  // namespace
+}  // namespace kbx

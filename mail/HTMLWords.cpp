@@ -1,8 +1,8 @@
 #include "mail/HTMLWords.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cstdint>
-#include <unordered_set>
 
 #include "mail/ASCII.h"
 
@@ -10,8 +10,8 @@ namespace kbx {
 namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
+constexpr std::size_t kLongestCompared = 1 << 22;
 using Hash = std::uint64_t;
-using Words = std::unordered_set<Hash>;
 
 /// Collects the hashes of words from bytes.
 class WordHasher {
@@ -36,7 +36,7 @@ class WordHasher {
     }
   }
   void end() {
-    if (_isInWord) _words.insert(_hash);
+    if (_isInWord) _words.push_back(_hash);
     _hash = kStart;
     _isInWord = false;
   }
@@ -205,21 +205,34 @@ class ShownText {
   std::size_t _at = 0;
 };
 
-bool hasAll(const Words& all, const Words& some) {
-  for (Hash word : some)
-    if (!all.contains(word)) return false;
-  return true;
+Words sorted(Words words) {
+  std::ranges::sort(words);
+  const auto repeated = std::ranges::unique(words);
+  words.erase(repeated.begin(), repeated.end());
+  return words;
 }
 
 }  // namespace
 
-WordComparison compareWords(std::string_view plain, std::string_view html) {
-  Words plainWords, htmlWords;
-  WordHasher plainHasher(plainWords), htmlHasher(htmlWords);
-  plainHasher.add(plain);
-  plainHasher.end();
-  ShownText(html, htmlHasher).walk();
-  return {hasAll(plainWords, htmlWords), hasAll(htmlWords, plainWords)};
+std::optional<Words> wordsOfText(std::string_view text) {
+  if (text.size() > kLongestCompared) return std::nullopt;
+  Words words;
+  WordHasher hasher(words);
+  hasher.add(text);
+  hasher.end();
+  return sorted(std::move(words));
+}
+
+std::optional<Words> wordsOfHTML(std::string_view html) {
+  if (html.size() > kLongestCompared) return std::nullopt;
+  Words words;
+  WordHasher hasher(words);
+  ShownText(html, hasher).walk();
+  return sorted(std::move(words));
+}
+
+bool hasAllWords(const std::optional<Words>& all, const std::optional<Words>& some) {
+  return all && some && std::ranges::includes(*all, *some);
 }
 
 std::string htmlFromPlainText(std::string_view text) {

@@ -1,21 +1,26 @@
-// HTMLWords: whether HTML and plain text say the same, and plain text as HTML.
+// HTMLWords: the words of plain text and of HTML, and plain text as HTML.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kbx {
 
-struct WordComparison {
-  bool plainHasAllOfHTML = false;
-  bool htmlHasAllOfPlain = false;
-};
+/// Hashes of the words in a text, sorted, each once. A word is a run of letters and digits, without
+/// regard to the case of ASCII letters.
+using Words = std::vector<std::uint64_t>;
 
-/// Compares the words of a plain text with those that HTML shows; both are UTF-8. A word is a run
-/// of letters and digits, without regard to the case of ASCII letters; what the HTML has in its
-/// head, scripts, styles, comments and tags is not shown. One pass over each; an entity that is not
-/// known here makes its word an unknown one, which errs on the side of keeping both texts.
-WordComparison compareWords(std::string_view plain, std::string_view html);
+/// The words of plain text in UTF-8; absent for more than 4 MiB, which nobody compares.
+std::optional<Words> wordsOfText(std::string_view text);
+/// The words that HTML shows: without its title, scripts, styles, comments and tags. An entity that
+/// is not known here makes its word an unknown one. Absent as above.
+std::optional<Words> wordsOfHTML(std::string_view html);
+
+/// False when either is absent, which errs on the side of keeping both texts.
+bool hasAllWords(const std::optional<Words>& all, const std::optional<Words>& some);
 
 /// HTML that shows a plain text as it is, its lines and blanks kept.
 std::string htmlFromPlainText(std::string_view text);

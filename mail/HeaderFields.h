@@ -50,8 +50,7 @@ class HeaderFields {
   std::string_view operator[](HeaderField field) const {
     return _values[static_cast<std::size_t>(field)];
   }
-  /// The date of the newest Received field, the topmost, where the value's date can be read: its
-  /// raw value. Empty without one.
+  /// The raw value of the topmost Received field, which is the newest; empty without one.
   std::string_view received() const { return _received; }
 
  private:

@@ -106,8 +106,7 @@ bool isShownAsText(std::string_view type) {
 }
 
 bool isAttachment(std::string_view type) {
-  return !isShownAsText(type) && !type.starts_with("message/") && !type.starts_with("text/") &&
-         !isSignature(type) && !isSignedOrEncrypted(type) && type != "application/pgp-encrypted";
+  return !isShownAsText(type) && !type.starts_with("message/") && !type.starts_with("text/");
 }
 
 bool isSignature(std::string_view type) {

@@ -17,8 +17,8 @@ constexpr std::size_t kLongestSuspects = 1 << 13;
 constexpr std::size_t kLongestBoundary = 1 << 10;
 constexpr std::size_t kLongestPreamble = 1 << 20;
 constexpr std::size_t kMostContainers = 4096;
-constexpr std::size_t kMostAlternatives = 16;  // one in another: each copies its text once
-constexpr std::size_t kMostForms = 64;         // of one text; more are one with the last
+constexpr std::size_t kMostAlternatives = 8;  // one in another: each copies its text once
+constexpr std::size_t kMostForms = 16;        // of one text; more are one with the last
 constexpr int kMostEmbedding = 8;
 
 std::string_view withoutLineEnd(std::string_view line) {
@@ -158,7 +158,9 @@ void MessageReader::recordAttachment(const ContentField& type, const ContentFiel
   if (!disposition.value().empty()) name = disposition.text("filename", _decoder);
   if (name.empty()) name = type.text("name", _decoder);
   const bool isMeant = disposition.value() == "attachment" || !name.empty();
-  _content.hasAttachment |= (isMeant && !isSignature(type.value())) || isAttachment(type.value());
+  const bool isWrapping = isSignature(type.value()) || isSignedOrEncrypted(type.value());
+  _content.hasAttachment |=
+      _encryptedCount == 0 && !isWrapping && (isMeant || isAttachment(type.value()));
   if (!name.empty()) _content.namedParts.push_back({std::move(name), type.value()});
 }
 

@@ -29,33 +29,67 @@ std::string takeHTML(TextSection& section) {
   return section.html ? std::move(*section.html) : htmlFromPlainText(*section.plain);
 }
 
-TextSection both(std::string plain, std::string html) {
-  const WordComparison words = compareWords(plain, html);
-  TextSection section;
-  if (words.plainHasAllOfHTML) {
-    section.plain = std::move(plain);
-  } else if (!words.htmlHasAllOfPlain) {
-    html.insert(0, htmlFromPlainText(plain));
-  }
-  section.html = std::move(html);
-  return section;
-}
+/// The texts of one kind that an alternative has, less those whose words another one has.
+class Forms {
+ public:
+  explicit Forms(std::optional<Words> (*wordsOf)(std::string_view)) : _wordsOf(wordsOf) {}
 
-/// Takes what one form of an alternative has: the first that is plain throughout, the last with
-/// HTML.
-void takeForm(std::span<TextSection> form, std::optional<std::string>* plain,
-              std::optional<std::string>* html) {
+  void add(std::string text) {
+    if (!_text) return set(std::move(text), std::nullopt);
+    std::optional<Words> more = _wordsOf(text);
+    if (hasAllWords(words(), more)) return;
+    if (hasAllWords(more, words())) return set(std::move(text), std::move(more));
+    appendLines(*_text, std::move(text));
+    if (!more) _words.reset();
+    if (!_words) return;
+    Words all;
+    std::ranges::set_union(*_words, *more, std::back_inserter(all));
+    _words = std::move(all);
+  }
+  const std::optional<Words>& words() {
+    if (!_areWordsKnown && _text) _words = _wordsOf(*_text);
+    _areWordsKnown = true;
+    return _words;
+  }
+  std::optional<std::string>& text() { return _text; }
+
+ private:
+  void set(std::string text, std::optional<Words> words) {
+    _areWordsKnown = words.has_value();
+    _text = std::move(text);
+    _words = std::move(words);
+  }
+
+  std::optional<Words> (*const _wordsOf)(std::string_view);
+  std::optional<std::string> _text;
+  std::optional<Words> _words;  // of the text, absent when it is too long
+  bool _areWordsKnown = false;  // they are found when they are asked for
+};
+
+/// What one form of an alternative has of both kinds.
+void takeForm(std::span<TextSection> form, Forms* plain, Forms* html) {
   if (form.empty()) return;
   const bool hasHTML = std::ranges::any_of(form, [](auto& one) { return one.html.has_value(); });
   const bool isPlain = std::ranges::all_of(form, [](auto& one) { return one.plain.has_value(); });
-  if (isPlain && !*plain) {
-    plain->emplace();
+  if (isPlain) {
+    std::string text;
     for (TextSection& one : form)
-      appendLines(**plain, hasHTML ? std::string(*one.plain) : std::move(*one.plain));
+      appendLines(text, hasHTML ? std::string(*one.plain) : std::move(*one.plain));
+    plain->add(std::move(text));
   }
   if (!hasHTML) return;
-  html->emplace();
-  for (TextSection& one : form) appendLines(**html, takeHTML(one));
+  std::string text;
+  for (TextSection& one : form) appendLines(text, takeHTML(one));
+  html->add(std::move(text));
+}
+
+TextSection sectionOf(Forms plain, Forms html) {
+  if (plain.text() && html.text() && !hasAllWords(plain.words(), html.words())) {
+    if (!hasAllWords(html.words(), plain.words()))
+      html.text()->insert(0, htmlFromPlainText(*plain.text()));
+    plain.text().reset();
+  }
+  return {std::move(plain.text()), std::move(html.text())};
 }
 
 }  // namespace
@@ -93,17 +127,14 @@ void TextSections::append(TextSections&& others) {
 std::size_t TextSections::mark() { return _lastMark = _sections.size(); }
 
 void TextSections::mergeAlternatives(const std::vector<std::size_t>& starts) {
-  std::optional<std::string> plain, html;
+  Forms plain(&wordsOfText), html(&wordsOfHTML);
   for (std::size_t i = 0; i < starts.size(); ++i) {
     const std::size_t end = i + 1 < starts.size() ? starts[i + 1] : _sections.size();
     takeForm(std::span(_sections.data() + starts[i], end - starts[i]), &plain, &html);
   }
-  if (starts.empty() || (!plain && !html)) return;
+  if (!plain.text() && !html.text()) return;
   _sections.resize(starts.front());
-  if (plain && html)
-    _sections.push_back(both(std::move(*plain), std::move(*html)));
-  else
-    _sections.push_back({std::move(plain), std::move(html)});
+  _sections.push_back(sectionOf(std::move(plain), std::move(html)));
   mark();
 }
 

@@ -34,9 +34,9 @@ class TextSections {
   /// Makes one section of those behind the first place: the forms of the same stretch, each of
   /// which begins at one of the places.
   ///
-  /// The last form with HTML is the HTML, the first without is the plain form, and the others are
-  /// dropped. Where the plain form lacks words that the HTML shows, the section is left with HTML
-  /// alone, in front of which stands what only the plain form has.
+  /// A form whose words another of its kind has is dropped. Where the plain text lacks words that
+  /// the HTML shows, the section is left with HTML alone, in front of which stands the plain text
+  /// when it, too, has words of its own.
   void mergeAlternatives(const std::vector<std::size_t>& starts);
 
   bool isEmpty() const noexcept { return _sections.empty(); }

@@ -3,18 +3,21 @@
 #include <gmime/gmime-encodings.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "mail/ASCII.h"
 
 namespace kbx {
 namespace {
 
+constexpr std::size_t kTelling = 1024;  // bytes that tell base64 from plain text
+
 bool isBase64Letter(char c) { return isASCIIAlphanumeric(c) || c == '+' || c == '/' || c == '='; }
 
 /// Whether the start of a body is plain text under a wrong name: every twentieth character of what
 /// is no line end does not belong to base64.
 bool isNoBase64(std::string_view start) {
-  start = trimmed(start.substr(0, 4096));
+  start = trimmed(start.substr(0, 4 * kTelling));
   std::size_t wrong = 0, right = 0;
   for (char c : start)
     if (isBase64Letter(c))
@@ -56,14 +59,22 @@ TransferDecoder::TransferDecoder(std::string_view encoding)
 TransferDecoder::~TransferDecoder() = default;
 
 void TransferDecoder::add(std::string_view bytes) {
-  if (!_hasBegun && _kind == Kind::Base64 && !trimmed(bytes).empty()) {
-    _hasBegun = true;
-    if (isNoBase64(bytes)) _kind = Kind::None;
-  }
-  if (_kind == Kind::None || _kind == Kind::UUEncode)
-    _decoded += bytes;
-  else
+  if (_kind == Kind::Base64 && !_hasBegun) {
+    _start += bytes;
+    if (_start.size() >= kTelling) begin();
+  } else if (_kind == Kind::Base64 || _kind == Kind::QuotedPrintable) {
     step(bytes);
+  } else {
+    _decoded += bytes;
+  }
+}
+
+/// Decides by what has come so far whether it is base64 at all.
+void TransferDecoder::begin() {
+  _hasBegun = true;
+  if (isNoBase64(_start)) _kind = Kind::None;
+  const std::string start = std::exchange(_start, {});
+  add(start);
 }
 
 void TransferDecoder::step(std::string_view bytes) {
@@ -84,6 +95,7 @@ void TransferDecoder::skipToUUEncodedData() {
 }
 
 std::string TransferDecoder::take() {
+  if (!_hasBegun) begin();
   if (_kind == Kind::UUEncode) skipToUUEncodedData();
   // Missing padding keeps the last bytes in the decoder.
   if (_kind == Kind::Base64) step("===");

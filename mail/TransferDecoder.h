@@ -22,6 +22,7 @@ class TransferDecoder {
   std::string take();
 
  private:
+  void begin();
   void step(std::string_view bytes);
   void skipToUUEncodedData();
 
@@ -31,6 +32,7 @@ class TransferDecoder {
   Kind _kind;
   const std::unique_ptr<_GMimeEncoding> _state;
   bool _hasBegun = false;
+  std::string _start;  // of base64, until it is known to be such
   std::string _decoded;
 };
 

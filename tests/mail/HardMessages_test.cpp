@@ -62,7 +62,7 @@ TEST(HardMessages, ManyParts) {
             "kMDItemTextContent", "planted\n");
   expectEnd("Content-Type: multipart/alternative; boundary=b\n\n" +
                 numbered("--b\n\nw", "\n", 100000) + "--b--\n",
-            "kMDItemTextContent", "w0\n");
+            "kMDItemTextContent", "w99999\n");
 }
 
 TEST(HardMessages, ManyReferencesAndRecipients) {

@@ -185,6 +185,7 @@ TEST(MessageReader, EncryptedMailHasNoTextAndSaysSo) {
         "Subject: x\n\n-----BEGIN PGP MESSAGE-----\n\nhidden\n-----END PGP MESSAGE-----\n"}) {
     const MessageContent content = contentOf(message);
     EXPECT_TRUE(content.isEncrypted) << message;
+    EXPECT_FALSE(content.hasAttachment) << message;
     EXPECT_FALSE(content.isSigned) << message;
     EXPECT_TRUE(content.sections.isEmpty()) << message;
   }

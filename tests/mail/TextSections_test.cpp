@@ -46,6 +46,19 @@ TEST(TextSections, WordsInPlainTextAloneAreNotLostEither) {
             " ~ <pre>see below</pre><p>one two");
 }
 
+TEST(TextSections, SeveralFormsOfAKindAreKeptWhereTheirWordsDiffer) {
+  EXPECT_EQ(both("alternative", part("text/plain", "one") + part("text/plain", "two")),
+            "onetwo ~ ");
+  EXPECT_EQ(both("alternative", part("text/plain", "one two") + part("text/plain", "two")),
+            "one two ~ ");
+  EXPECT_EQ(both("alternative", part("text/plain", "one") + part("text/plain", "one two")),
+            "one two ~ ");
+  EXPECT_EQ(both("alternative", part("text/html", "<i>one") + part("text/html", "<b>one")),
+            " ~ <i>one");
+  EXPECT_EQ(both("alternative", part("text/html", "<i>one") + part("text/html", "<b>two")),
+            " ~ <i>one<b>two");
+}
+
 TEST(TextSections, FormsMayHavePartsOfTheirOwn) {
   const std::string related =
       "--b\nContent-Type: multipart/related; boundary=c\n\n--c\nContent-Type: text/html\n\n<p>one\n"

@@ -30,6 +30,11 @@ TEST(TransferDecoder, PlainTextUnderTheNameOfBase64StaysAsItIs) {
             "Dear Ada, this is no base64 at all.\n");
 }
 
+TEST(TransferDecoder, AFirstLineOfLettersDoesNotMakePlainTextBase64) {
+  const std::string text = "Hello\nthis is a letter, not base64.\n";
+  EXPECT_EQ(decoded(text, "base64", 6), text);
+}
+
 TEST(TransferDecoder, QuotedPrintableIsDecodedAndItsErrorsAreText) {
   EXPECT_EQ(decoded("caf=C3=A9 =\nau lait=20\n", "Quoted-Printable"), "café au lait \n");
   EXPECT_EQ(decoded("100=% =zz", "quoted-printable"), "100=% =zz");

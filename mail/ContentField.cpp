@@ -141,8 +141,8 @@ std::vector<const ContentField::Parameter*> ContentField::piecesOf(std::string_v
   if (extended) return {extended};
   if (pieces.empty() && plain) return {plain};
   std::ranges::stable_sort(pieces, {}, &Parameter::piece);
-  const auto repeated = std::ranges::unique(pieces, {}, &Parameter::piece);
-  pieces.erase(repeated.begin(), repeated.end());
+  const auto isRepeated = [](auto* one, auto* next) { return one->piece == next->piece; };
+  pieces.erase(std::unique(pieces.begin(), pieces.end(), isRepeated), pieces.end());
   return pieces;
 }
 

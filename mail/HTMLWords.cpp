@@ -207,8 +207,7 @@ class ShownText {
 
 Words sorted(Words words) {
   std::ranges::sort(words);
-  const auto repeated = std::ranges::unique(words);
-  words.erase(repeated.begin(), repeated.end());
+  words.erase(std::unique(words.begin(), words.end()), words.end());
   return words;
 }
 

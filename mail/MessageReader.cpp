@@ -19,7 +19,7 @@ constexpr std::size_t kLongestPreamble = 1 << 20;
 constexpr std::size_t kMostContainers = 4096;
 constexpr std::size_t kMostAlternatives = 8;  // one in another: each copies its text once
 constexpr std::size_t kMostForms = 16;        // of one text; more are one with the last
-constexpr int kMostEmbedding = 8;
+constexpr int kMostEmbedding = 4;             // each holds its bytes
 
 std::string_view withoutLineEnd(std::string_view line) {
   if (line.ends_with('\n')) line.remove_suffix(1);
@@ -100,7 +100,9 @@ MessageContent MessageReader::take() {
 void MessageReader::takeHeaderLine(std::string_view line) {
   const std::string_view text = withoutLineEnd(line);
   const bool isFirst = _header.empty() && _suspects.empty();
-  if (isFirst && (text.starts_with("From ") || text.starts_with(">From "))) return;  // of an mbox
+  const bool isOfMessage = _containers.empty() || !_containers.back().isMultipart;
+  if (isFirst && isOfMessage && (text.starts_with("From ") || text.starts_with(">From ")))
+    return;  // of an mbox
   if (withoutBlanksBehind(text).empty()) {
     // Blank lines before everything else are a slip, not a message without a header.
     if (isFirst && _isTop && _containers.empty()) return;
@@ -172,7 +174,7 @@ void MessageReader::beginEntity(const ContentField& type, const ContentField& di
   if (isMessage(media) && _containers.size() < kMostContainers) return beginMessage(encoding);
   if (isSignedOrEncrypted(media)) {
     const bool isSealed = isEncryptedOnly(type.parameter("smime-type"));
-    _content.isEncrypted |= isSealed;
+    _content.isEncrypted |= isSealed && _messageCount == 0;
     return isSealed ? void() : beginLeaf(Leaf::Signed, type, encoding);
   }
   if (disposition.value() == "attachment" || _encryptedCount > 0) return;
@@ -190,8 +192,9 @@ void MessageReader::beginMultipart(const ContentField& type) {
   container.isDigest = kind == "digest";
   container.isEncrypted = kind == "encrypted";
   container.preamble = std::make_unique<std::string>();
-  _content.isEncrypted |= container.isEncrypted;
-  _content.isSigned |= kind == "signed";
+  const bool isOwn = _messageCount == 0;
+  _content.isEncrypted |= isOwn && container.isEncrypted;
+  _content.isSigned |= isOwn && kind == "signed";
   const std::string boundary = type.parameter("boundary").substr(0, kLongestBoundary);
   container.awaitsBoundary = withoutBlanksBehind(boundary).empty();
   openContainer(std::move(container));
@@ -240,9 +243,7 @@ void MessageReader::endLeaf() {
     readEmbedded(std::move(bytes));
     --_messageCount;
   } else {
-    std::string part = signedContent(std::move(bytes), &_content.isEncrypted);
-    _content.isSigned |= !part.empty();
-    readEmbedded(std::move(part));
+    endSigned(std::move(bytes));
   }
 }
 
@@ -257,7 +258,7 @@ void MessageReader::endText(std::string bytes) {
     return _content.sections.addHTML(std::move(text));
   }
   if (startsSealed(text)) {
-    _content.isEncrypted = true;
+    _content.isEncrypted |= isOwn;
     return;
   }
   _content.hasPlainPart |= isOwn && !isBlank && isPlainText(_leafType.value());
@@ -266,18 +267,28 @@ void MessageReader::endText(std::string bytes) {
   _content.sections.addPlain(std::move(text));
 }
 
-/// Reads a message, or a part, that only its decoded bytes show. Each level is shorter than the one
-/// around it, so all of them together are in proportion to the outermost.
+void MessageReader::endSigned(std::string bytes) {
+  bool isEncrypted = false;
+  std::string part = signedContent(std::move(bytes), &isEncrypted);
+  if (_messageCount == 0) {
+    _content.isEncrypted |= isEncrypted;
+    _content.isSigned |= !part.empty();
+  }
+  readEmbedded(std::move(part));
+}
+
+/// Reads a message, or a part, that only its decoded bytes show.
 void MessageReader::readEmbedded(std::string bytes) {
-  if (_embedding >= kMostEmbedding || bytes.empty()) return;
+  if (_embedding >= kMostEmbedding)
+    return _content.sections.addPlain(_decoder.text(std::move(bytes), {}));
   MessageReader reader(_decoder, _embedding + 1);
   reader.add(bytes);
   bytes = {};
   MessageContent inner = reader.take();
   _content.sections.append(std::move(inner.sections));
+  if (_messageCount > 0) return;
   _content.isSigned |= inner.isSigned;
   _content.isEncrypted |= inner.isEncrypted;
-  if (_messageCount > 0) return;
   _content.hasAttachment |= inner.hasAttachment;
   for (Attachment& part : inner.namedParts) _content.namedParts.push_back(std::move(part));
 }

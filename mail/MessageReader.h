@@ -71,6 +71,7 @@ class MessageReader {
   void addBody(std::string_view bytes);
   void endLeaf();
   void endText(std::string bytes);
+  void endSigned(std::string bytes);
   void readEmbedded(std::string bytes);
 
   bool takeBoundary(std::string_view line);

@@ -191,6 +191,26 @@ TEST(MessageReader, EncryptedMailHasNoTextAndSaysSo) {
   }
 }
 
+TEST(MessageReader, TheSignatureOfAnAttachedMessageIsNotItsOwn) {
+  const MessageContent content = contentOf(
+      "Content-Type: message/rfc822\n\nContent-Type: multipart/signed; boundary=b\n\n"
+      "--b\n\none\n--b--\n");
+  EXPECT_FALSE(content.isSigned);
+  EXPECT_EQ(content.sections.sections().size(), 1u);
+}
+
+TEST(MessageReader, ALineOfAnMboxIsOneOnlyBeforeAMessage) {
+  EXPECT_EQ(textOf(kMixed + "--b\nFrom here on\n--b--\n"), "From here on\n");
+}
+
+TEST(MessageReader, MessagesEncodedInEachOtherAreReadToADepthAndThenText) {
+  std::string message = "Subject: x\n\nplanted\n";
+  for (int i = 0; i < 10; ++i)
+    message =
+        "Content-Type: message/rfc822\nContent-Transfer-Encoding: quoted-printable\n\n" + message;
+  EXPECT_NE(textOf(message).find("planted"), std::string::npos);
+}
+
 TEST(MessageReader, FlowedTextIsJoined) {
   EXPECT_EQ(textOf("Content-Type: text/plain; format=Flowed; DelSp=Yes\n\nhar \nbour\n"),
             "harbour\n");

@@ -9,6 +9,7 @@
 #include "mail/Attributes.h"
 #include "mail/MessageReader.h"
 #include "platform/objects/NSArray.h"
+#include "platform/text/UTF8.h"
 
 namespace kbx {
 namespace {

@@ -81,20 +81,6 @@ std::optional<std::string> nearlyAllConverted(std::string_view bytes, const std:
   return lossyUTF8FromUTF16(*units);
 }
 
-/// The length of the sequence that begins here; 0 when it is malformed.
-std::size_t sequenceLength(std::string_view bytes) {
-  const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
-  const unsigned first = at(0);
-  const std::size_t length = first < 0xC2 ? 0 : first < 0xE0 ? 2 : first < 0xF0 ? 3 : 4;
-  if (length == 0 || first > 0xF4 || bytes.size() < length) return 0;
-  for (std::size_t i = 1; i < length; ++i)
-    if ((at(i) & 0xC0) != 0x80) return 0;
-  const unsigned second = at(1);
-  const bool isBad = (first == 0xE0 && second < 0xA0) || (first == 0xED && second > 0x9F) ||
-                     (first == 0xF0 && second < 0x90) || (first == 0xF4 && second > 0x8F);
-  return isBad ? 0 : length;
-}
-
 /// Readers show nothing for a NUL, and consumers in C would end there.
 std::string withoutNULs(std::string text) {
   if (text.find('\0') != std::string::npos) std::erase(text, '\0');
@@ -106,19 +92,6 @@ bool startsWithUTF16Mark(std::string_view bytes) {
 }
 
 }  // namespace
-
-bool isUTF8(std::string_view bytes) {
-  for (;;) {
-    bytes.remove_prefix(asciiPrefixLength(bytes));
-    // Other scripts come in runs, for which the fast search for ASCII is the slow way.
-    while (!bytes.empty() && static_cast<unsigned char>(bytes[0]) >= 0x80) {
-      const std::size_t length = sequenceLength(bytes);
-      if (length == 0) return false;
-      bytes.remove_prefix(length);
-    }
-    if (bytes.empty()) return true;
-  }
-}
 
 std::string TextDecoder::guessedText(const std::string& bytes) {
   if (_guessesLeft > 0) {

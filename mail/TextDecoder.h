@@ -25,7 +25,4 @@ class TextDecoder {
   int _guessesLeft = 200;
 };
 
-/// Whether the bytes are UTF-8 without overlong forms and surrogates.
-bool isUTF8(std::string_view bytes);
-
 }  // namespace kbx

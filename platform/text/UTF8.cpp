@@ -198,27 +198,38 @@ struct Decoder : Converter<Byte, char16_t> {
     return true;
   }
 
+  static constexpr unsigned kBadRows = 1u << 0 | 1u << 27;  // below U+0800; surrogates
+
+  /// The unit of the three bytes that are the lowest of a word, the lead first.
+  static std::uint32_t unitOfThree(std::uint64_t word) noexcept {
+    return static_cast<std::uint32_t>((word & 0xF) << 12 | (word >> 2 & 0xFC0) |
+                                      (word >> 16 & 0x3F));
+  }
+
+  /// Two sequences of three bytes by one look, while they last.
+  [[gnu::always_inline]] void readTwoThrees() noexcept {
+    while (std::endian::native == std::endian::little && left() >= sizeof(std::uint64_t)) {
+      const std::uint64_t word = wordAt(from);
+      if ((word & 0xC0C0F0C0C0F0) != 0x8080E08080E0) return;
+      const std::uint32_t first = unitOfThree(word), second = unitOfThree(word >> 24);
+      if ((kBadRows >> (first >> 11) | kBadRows >> (second >> 11)) & 1) return;
+      const std::uint32_t both = first | second << 16;
+      std::memcpy(to, &both, sizeof both);
+      from += 6, to += 2;
+    }
+  }
+
   /// Sequences of three bytes, while they last.
   [[gnu::always_inline]] bool readThrees() noexcept {
-    constexpr unsigned kBadRows = 1u << 0 | 1u << 27;  // below U+0800; surrogates
-    while (std::endian::native == std::endian::little && left() >= 4) {
-      std::uint32_t word;  // the lead is its lowest byte
-      std::memcpy(&word, from, sizeof word);
-      if ((word & 0xC0C0F0) != 0x8080E0) break;
-      const std::uint32_t unit = (word & 0xF) << 12 | (word >> 2 & 0xFC0) | (word >> 16 & 0x3F);
-      if (kBadRows >> (unit >> 11) & 1) return false;
-      *to++ = static_cast<char16_t>(unit);
-      from += 3;
-    }
-    if (from == end || (*from & 0xF0) != 0xE0) return true;
-    do {
+    readTwoThrees();
+    while (from < end && (*from & 0xF0) == 0xE0) {
       if (left() < 3) return false;
       const unsigned second = from[1] ^ 0x80u, third = from[2] ^ 0x80u;
       const unsigned character = (*from & 0x0Fu) << 12 | second << 6 | third;
       if ((second | third) >> 6 | (kBadRows >> (character >> 11) & 1)) return false;
       *to++ = static_cast<char16_t>(character);
       from += 3;
-    } while (from < end && (*from & 0xF0) == 0xE0);
+    }
     return true;
   }
 

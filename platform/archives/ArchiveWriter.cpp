@@ -15,6 +15,7 @@
 #include "platform/objects/NSException.h"
 #include "platform/objects/NSNull.h"
 #include "platform/objects/NSNumber.h"
+#include "platform/objects/SeededHash.h"
 #include "platform/propertylists/BinaryPropertyListWriter.h"
 #include "platform/propertylists/NSKeyedArchiverUID.h"
 
@@ -92,10 +93,10 @@ class Writer final : public ArchiveWalk {
   void describeURL(Item& item, NSURL* url);
   void describeError(Item& item, NSError* error);
 
-  NSArray::Elements _objects;                            // as they are; later as they are written
-  std::unordered_map<NSObject*, std::size_t> _places;    // by identity
-  std::unordered_map<std::string, std::size_t> _leaves;  // short plain ones by their bytes
-  std::vector<Ref<NSObject>> _made;                      // lives as long as its identity counts
+  NSArray::Elements _objects;                          // as they are; later as they are written
+  std::unordered_map<NSObject*, std::size_t> _places;  // by identity
+  std::unordered_map<std::string, std::size_t, SeededHash> _leaves;  // short plain ones by bytes
+  std::vector<Ref<NSObject>> _made;  // lives as long as its identity counts
 };
 
 std::size_t Writer::append(NSObject* object) {

@@ -9,6 +9,7 @@
 #include "platform/files/WorkingFolder.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSClass.h"
+#include "platform/objects/SeededHash.h"
 #include "platform/resources/ResourceValues.h"
 
 namespace kbx {
@@ -178,6 +179,6 @@ bool NSURL::isEqual(NSObject* other) const {
   return url && url->_path == _path && url->_isDirectory == _isDirectory;
 }
 
-std::size_t NSURL::hash() const { return std::hash<std::string>{}(_path); }
+std::size_t NSURL::hash() const { return seededHash(_path); }
 
 }  // namespace kbx

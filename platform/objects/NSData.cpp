@@ -9,6 +9,7 @@
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSException.h"
 #include "platform/objects/NSString.h"
+#include "platform/objects/SeededHash.h"
 
 namespace kbx {
 
@@ -90,8 +91,8 @@ bool NSData::isEqual(NSObject* other) const {
 }
 
 std::size_t NSData::hash() const {
-  // The first bytes tell buffers apart well enough, and a hash must not cost a pass over a message.
-  return std::hash<std::string_view>{}(view().substr(0, 80)) + _length;
+  // All of the bytes: a stranger's keys would differ where no hash looks.
+  return seededHash(view());
 }
 
 Ref<NSMutableData> NSMutableData::data() { return Ref<NSMutableData>::adopt(new NSMutableData); }

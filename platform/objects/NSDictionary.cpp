@@ -8,6 +8,7 @@
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSException.h"
+#include "platform/objects/SeededHash.h"
 #include "platform/text/Format.h"
 
 namespace kbx {
@@ -54,11 +55,10 @@ std::size_t NSDictionary::findHashed(NSObject* key, std::size_t hash) const {
   return kAbsent;
 }
 
-/// Where the search for a hash begins. The upper bits of a product depend on every bit of the hash;
-/// the lower bits of numbers and addresses are often all the same.
+/// Where the search for a hash begins. The hashes of numbers and addresses are often alike in most
+/// of their bits, and those of numbers can be chosen by who writes an archive.
 std::size_t NSDictionary::slotOf(std::size_t hash) const noexcept {
-  const std::uint64_t product = std::uint64_t{hash} * 0x9E3779B97F4A7C15;
-  return product >> std::countl_zero(std::uint64_t{_slots.size() - 1});
+  return scatteredHash(hash) >> std::countl_zero(std::uint64_t{_slots.size() - 1});
 }
 
 void NSDictionary::index(std::size_t position) {

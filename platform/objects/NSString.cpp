@@ -8,6 +8,7 @@
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSException.h"
+#include "platform/objects/SeededHash.h"
 #include "platform/text/StringBuilder.h"
 #include "platform/text/UTF8.h"
 #include "platform/text/UnitSearch.h"
@@ -303,7 +304,7 @@ bool NSString::isEqual(NSObject* other) const {
   return mine && theirs ? *mine == *theirs : unitBytes() == string->unitBytes();
 }
 
-std::size_t NSString::hash() const { return std::hash<std::string_view>{}(unitBytes()); }
+std::size_t NSString::hash() const { return seededHash(unitBytes()); }
 
 std::string_view NSString::unitBytes() const {
   const auto* first = static_cast<const char*>(units());

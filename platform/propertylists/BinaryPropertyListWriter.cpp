@@ -10,6 +10,7 @@
 #include "platform/objects/NSDate.h"
 #include "platform/objects/NSDictionary.h"
 #include "platform/objects/NSNumber.h"
+#include "platform/objects/SeededHash.h"
 #include "platform/propertylists/BinaryPropertyList.h"
 #include "platform/propertylists/ByteBuffer.h"
 #include "platform/propertylists/NSKeyedArchiverUID.h"
@@ -132,7 +133,7 @@ class Writer {
   void appendTable(std::size_t top);
 
   std::vector<Item> _items;
-  std::unordered_map<std::string, std::size_t>
+  std::unordered_map<std::string, std::size_t, SeededHash>
       _leaves;  // the place of each short one, by its bytes
   std::vector<std::size_t> _offsets;
   ByteBuffer _leaf;  // the room in which each short one is made

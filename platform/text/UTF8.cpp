@@ -357,6 +357,15 @@ Encoder encoder(std::u16string_view units, std::string& bytes) {
   return {{units.data(), units.data() + units.size(), bytes.data(), bytes.data() + bytes.size()}};
 }
 
+/// Cuts a text behind its last character. Where much room is left it is given back, because a text
+/// may live for long. Measured: that costs a twentieth more time; to count first costs more.
+template <class Text>
+void cutBehind(Text& text, const typename Text::value_type* end) {
+  constexpr std::size_t kMuchRoom = 4096 / sizeof(*end);
+  text.resize(static_cast<std::size_t>(end - text.data()));
+  if (text.capacity() - text.size() >= kMuchRoom) text.shrink_to_fit();
+}
+
 }  // namespace
 
 std::size_t asciiPrefixLength(std::string_view bytes) noexcept {
@@ -379,7 +388,7 @@ std::u16string utf16FromLossyUTF8(std::string_view bytes) {
   std::u16string units(bytes.size(), u'\0');
   Decoder decoding = decoder(bytes, units);
   while (!decoding.run()) decoding.replace();
-  units.resize(static_cast<std::size_t>(decoding.to - units.data()));
+  cutBehind(units, decoding.to);
   return units;
 }
 
@@ -387,7 +396,7 @@ std::optional<std::string> utf8FromUTF16(std::u16string_view units) {
   std::string bytes(3 * units.size(), '\0');  // quicker than to count first
   Encoder encoding = encoder(units, bytes);
   if (!encoding.run()) return std::nullopt;
-  bytes.resize(static_cast<std::size_t>(encoding.to - bytes.data()));
+  cutBehind(bytes, encoding.to);
   return bytes;
 }
 
@@ -395,7 +404,7 @@ std::string lossyUTF8FromUTF16(std::u16string_view units) {
   std::string bytes(3 * units.size(), '\0');
   Encoder encoding = encoder(units, bytes);
   while (!encoding.run()) encoding.replace();
-  bytes.resize(static_cast<std::size_t>(encoding.to - bytes.data()));
+  cutBehind(bytes, encoding.to);
   return bytes;
 }
 

@@ -230,5 +230,26 @@ TEST(UTF8, AZeroCharacterIsACharacter) {
   EXPECT_EQ(utf8FromUTF16({u"a\0b", 3}), std::string("a\0b", 3));
 }
 
+/// How much more than it needs a text holds, in characters.
+template <class Text>
+std::size_t spareRoom(const Text& text) {
+  return text.capacity() - text.size();
+}
+
+TEST(UTF8, LongTextsKeepNoMoreThanTheyNeed) {
+  for (std::size_t length : {std::size_t{10'000}, std::size_t{1'000'000}}) {
+    SCOPED_TRACE(length);
+    const std::u16string latin(length, u'a');
+    std::u16string mixed = latin;
+    mixed.back() = u'\u00E9';
+    EXPECT_LT(spareRoom(*utf8FromUTF16(latin)), 4096U);
+    EXPECT_LT(spareRoom(*utf8FromUTF16(mixed)), 4096U);
+    EXPECT_LT(spareRoom(lossyUTF8FromUTF16(mixed + u'\xD800')), 4096U);
+    std::string chinese;
+    for (std::size_t i = 0; i < length; ++i) chinese += "\xE4\xB8\xAD";
+    EXPECT_LT(spareRoom(utf16FromLossyUTF8(chinese + '\xFF')), 4096U);
+  }
+}
+
 }  // namespace
 }  // namespace kbx

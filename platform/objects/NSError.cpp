@@ -1,5 +1,6 @@
 #include "platform/objects/NSError.h"
 
+#include "platform/objects/Description.h"
 #include "platform/objects/Equality.h"
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSException.h"
@@ -13,6 +14,9 @@ KBX_CLASS(NSError)
 KBX_ADOPTS(NSError, NSCoding)
 
 namespace {
+
+// What its sentences take to put together, in the units of a description's budget.
+constexpr std::size_t kWorkOfError = 1024;
 
 /// The words for a failure with a file: a sentence, and the end of "… couldn’t be opened because".
 struct FileFailure {
@@ -105,6 +109,8 @@ Ref<NSString> NSError::localizedRecoverySuggestion() const {
 }
 
 Ref<NSString> NSError::description() const {
+  const DescriptionBudget budget;
+  budget.spend(kWorkOfError);
   Ref<NSString> head = stringWithFormat("Error Domain=%@ Code=%ld \"%@\""_ns, _domain, _code,
                                         localizedDescription());
   if (_userInfo->count() == 0) return head;
@@ -113,6 +119,7 @@ Ref<NSString> NSError::description() const {
   bool isFirst = true;
   for (const auto& [key, value] : *_userInfo) {
     if (!isFirst) text.append(", ");
+    if (endsHere(text, budget)) break;
     text.append(descriptionOf(key)).append("=").append(descriptionOf(value));
     isFirst = false;
   }

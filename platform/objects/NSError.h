@@ -69,7 +69,8 @@ class KBX_PLATFORM NSError final : public NSObject {
   Ref<NSString> localizedRecoverySuggestion() const;
 
   /// One line: Error Domain=D Code=N "description" UserInfo={key=value, …}, without the last part
-  /// when the user info is empty.
+  /// when the user info is empty. What comes behind 2^24 units prints as "...", and so does what
+  /// takes too much work because the user info holds the same errors again and again.
   Ref<NSString> description() const override;
   bool isEqual(NSObject* other) const override;
   std::size_t hash() const override;

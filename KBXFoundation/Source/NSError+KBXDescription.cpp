@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "platform/logging/NSLog.h"
+#include "platform/objects/Description.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSException.h"
@@ -17,6 +18,8 @@ namespace {
 
 constexpr unsigned kDeepest = 100;
 constexpr std::size_t kLongest = 16'000'000;
+constexpr std::size_t kWorkOfError = 1024;  // in the units of a description's budget
+constexpr std::size_t kWorkOfEntry = 16;
 
 void logShortly(NSError* error) {
   if (NSUserDefaults::standardUserDefaults()->boolForKey("ErrorShortLogging"_ns))
@@ -71,14 +74,19 @@ class Writer {
   void appendArray(StringBuilder& out, NSArray* array, unsigned level);
   void appendDictionary(StringBuilder& out, NSDictionary* dictionary, unsigned level,
                         NSString* cause = nullptr);
+  void appendCause(StringBuilder& out, NSString* cause);
   void appendText(StringBuilder& out, NSString* text, unsigned level);
   void appendBreak(StringBuilder& out, unsigned level);
 
-  /// Calls write(), or writes "..." where that would go too deep or get too long: a list may hold
-  /// itself, and a small one may hold another again and again.
+  /// Whether enough is written, or what was not written has taken too much work: a small list may
+  /// hold another again and again.
+  bool isFull() const { return _length > kLongest || _budget.isSpent(); }
+
+  /// Calls write(), or writes "..." where that would go too deep, because a list may hold itself,
+  /// or where enough is written.
   template <class Write>
   void nest(StringBuilder& out, Write write) {
-    if (_depth >= kDeepest || _length > kLongest) {
+    if (_depth >= kDeepest || isFull()) {
       out.append("...");
       return;
     }
@@ -92,6 +100,7 @@ class Writer {
   void appendList(StringBuilder& out, const char* brackets, const Items& items, unsigned level,
                   Write write);
 
+  const DescriptionBudget _budget;
   unsigned _depth = 0;
   std::size_t _length = 0;
 };
@@ -104,10 +113,13 @@ Ref<NSString> Writer::describe(NSError* error, unsigned level) {
 
 void Writer::appendError(StringBuilder& out, NSError* error, unsigned level) {
   nest(out, [&] {
+    _budget.spend(kWorkOfError);
     logShortly(error);
     // The error behind it comes first, as it does in the log. It is a string in the dictionary.
     NSError* underlying = underlyingError(error);
+    const std::size_t lengthBefore = _length;
     Ref<NSString> cause = underlying ? describe(underlying, level + 2) : nullptr;
+    _length = lengthBefore;  // the cause counts where it stands
     appendText(out,
                stringWithFormat("<NSError Domain=%@ Code=%ld UserInfo="_ns, error->domain(),
                                 error->code()),
@@ -153,6 +165,10 @@ void Writer::appendList(StringBuilder& out, const char* brackets, const Items& i
       out.append(",");
       appendBreak(out, level);
     }
+    if (isFull()) {
+      out.append("...");
+      break;
+    }
     write(item);
     isFirst = false;
   }
@@ -167,14 +183,22 @@ void Writer::appendArray(StringBuilder& out, NSArray* array, unsigned level) {
 /// `cause` is the text of the error behind it, indented already; it stands for the entry's value.
 void Writer::appendDictionary(StringBuilder& out, NSDictionary* dictionary, unsigned level,
                               NSString* cause) {
+  _budget.spend(kWorkOfEntry * dictionary->count());  // sorting takes all of them
   appendList(out, "{}", sortedEntries(dictionary), level, [&](const Entry& entry) {
     appendText(out, entry.key, level);
     out.append(" = ");
     if (cause && isEqual(entry.key, NSUnderlyingErrorKey()))
-      out.append("\"").append(cause).append("\"");
+      appendCause(out, cause);
     else
       appendValue(out, entry.value, level);
   });
+}
+
+void Writer::appendCause(StringBuilder& out, NSString* cause) {
+  _length += cause->length();
+  _budget.spend(cause->length());
+  // Else each of the errors around it would copy it once more.
+  out.append("\"").append(_budget.isSpent() ? "..."_ns : cause).append("\"");
 }
 
 void Writer::appendText(StringBuilder& out, NSString* text, unsigned level) {

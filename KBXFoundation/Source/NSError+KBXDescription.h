@@ -14,7 +14,8 @@ namespace kbx {
 /// What the user info lacks of description, failure reason and recovery suggestion is filled in
 /// from what the platform says of the domain and code. Raises NSInvalidArgumentException when what
 /// stands under NSUnderlyingErrorKey() is no error. Values deeper than 100 levels, and those that
-/// would come after 16 million units of text, print as "...". With the user default
+/// would come after 16 million units of text or after as much work as a DescriptionBudget allows,
+/// print as "...". With the user default
 /// "ErrorShortLogging", each error described also writes "Error: " and its one-line description to
 /// the classic log.
 Ref<NSString> kbxFullDescription(NSError* error);

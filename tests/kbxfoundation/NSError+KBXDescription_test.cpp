@@ -333,6 +333,50 @@ TEST(NSErrorKBXDescription, ALongChainOfErrorsEnds) {
   EXPECT_NE(text(kbxFullDescription(error)).find("\"...\""), std::string::npos);
 }
 
+/// An object that counts how often it is asked, and gives up when that is too often.
+class Asked final : public NSObject {
+  KBX_OBJECT(Asked, NSObject)
+ public:
+  static Ref<Asked> make() { return Ref<Asked>::adopt(new Asked); }
+  Ref<NSString> description() const override {
+    if (++_times > 500'000) throw std::runtime_error("asked too often");
+    return "asked"_ns;
+  }
+  std::size_t times() const { return _times; }
+
+ private:
+  mutable std::size_t _times = 0;
+};
+KBX_CLASS(Asked)
+
+TEST(NSErrorKBXDescription, ErrorsThatHoldAnErrorTwiceTakeBoundedWork) {
+  for (NSString* second : {"b"_ns, NSUnderlyingErrorKey()}) {
+    SCOPED_TRACE(text(second));
+    auto leaf = Asked::make();
+    auto error = errorWith({{"leaf"_ns, leaf}});
+    for (int i = 0; i < 60; ++i) error = errorWith({{"a"_ns, error}, {second, error}});
+    EXPECT_NE(text(kbxFullDescription(error)).find("..."), std::string::npos);
+    EXPECT_LT(leaf->times(), 100'000U);
+  }
+}
+
+TEST(NSErrorKBXDescription, ALongTextThatIsHeldManyTimesIsNotWrittenWithoutEnd) {
+  auto longText = string(std::string(1'000'000, 'x'));
+  auto list = NSMutableArray::array();
+  for (int i = 0; i < 100; ++i) list->addObject(longText);
+  const std::string printed = text(kbxFullDescription(errorWith({{"list"_ns, list}})));
+  EXPECT_LT(printed.size(), 20'000'000U);
+  EXPECT_NE(printed.find(",\n        ...\n        )"), std::string::npos);
+}
+
+TEST(NSErrorKBXDescription, ALongErrorBehindItIsPrintedWhole) {
+  const std::string longText(17'000'000, 'x');
+  auto error = errorWith({{"text"_ns, string(longText)}});
+  const std::string printed =
+      text(kbxFullDescription(kbxErrorBySettingUnderlyingError(errorWith({}), error)));
+  EXPECT_NE(printed.find(longText), std::string::npos);
+}
+
 TEST(NSErrorKBXDescription, NothingIsLoggedByDefault) {
   RecordingLog log;
   kbxFullDescription(errorWith({}));

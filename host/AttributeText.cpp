@@ -6,6 +6,7 @@
 
 #include "host/Attributes.h"
 #include "host/Escaping.h"
+#include "host/RepeatedContent.h"
 #include "platform/objects/NSArray.h"
 #include "platform/text/Format.h"
 
@@ -29,6 +30,7 @@ class AttributeText {
   void dictionary(NSDictionary* dictionary, std::size_t level);
 
   Output& _output;
+  RepeatedContent _repeated;
 };
 
 struct NamedValue {
@@ -62,7 +64,8 @@ void AttributeText::write(NSDictionary* attributes) {
 /// level   how many arrays and dictionaries are open
 /// column  where the value begins
 void AttributeText::value(NSObject* value, std::size_t level, std::size_t column) {
-  if (auto* text = cast<NSString>(value)) return quoted(text, column);
+  if (auto* text = cast<NSString>(value))
+    return _repeated.take(text) ? quoted(text, column) : _output.write("...");
   auto* list = cast<NSArray>(value);
   auto* entries = cast<NSDictionary>(value);
   if (!list && !entries) return writeOnOneLine(_output, descriptionOf(value));
@@ -90,6 +93,7 @@ void AttributeText::quoted(NSString* text, std::size_t column) {
 
 void AttributeText::array(NSArray* array, std::size_t level) {
   const std::size_t indent = kIndent * (level + 1);
+  if (!_repeated.enter(array, array->count(), indent)) return _output.write("...");
   _output.write('(');
   bool isFirst = true;
   for (const auto& element : *array) {
@@ -101,10 +105,12 @@ void AttributeText::array(NSArray* array, std::size_t level) {
   _output.write('\n');
   _output.writeBlanks(kIndent * level);
   _output.write(')');
+  _repeated.leave();
 }
 
 void AttributeText::dictionary(NSDictionary* dictionary, std::size_t level) {
   const std::size_t indent = kIndent * (level + 1);
+  if (!_repeated.enter(dictionary, dictionary->count(), indent)) return _output.write("...");
   _output.write("{\n");
   for (const auto& [name, object] : namedValues(dictionary)) {
     _output.writeBlanks(indent);
@@ -115,6 +121,7 @@ void AttributeText::dictionary(NSDictionary* dictionary, std::size_t level) {
   }
   _output.writeBlanks(kIndent * level);
   _output.write('}');
+  _repeated.leave();
 }
 
 }  // namespace

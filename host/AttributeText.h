@@ -12,7 +12,7 @@ namespace kbx {
 /// begin in the column of the first, and CR LF is a line break like LF. Arrays have one element a
 /// line, indented by four blanks. Numbers and dates are bare, data shows its length and its first
 /// and last bytes. Whatever could drive a terminal is escaped. Levels deeper than 64 print as
-/// "...".
+/// "...", and so does what makes the value write too much again (RepeatedContent).
 void writeAttributeText(Output& output, NSDictionary* attributes);
 
 }  // namespace kbx

@@ -7,6 +7,7 @@
 #include "host/Attributes.h"
 #include "host/DateText.h"
 #include "host/Escaping.h"
+#include "host/RepeatedContent.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSDictionary.h"
@@ -102,30 +103,40 @@ void JSONWriter::data(std::string_view bytes) {
   _output.write('"');
 }
 
-void JSONWriter::array(NSArray* array) {
+void JSONWriter::array(NSArray* array, RepeatedContent& repeated) {
+  if (!repeated.enter(array, array->count(), indent())) return null();
   beginArray();
-  for (const auto& element : *array) value(element);
+  for (const auto& element : *array) nested(element, repeated);
   endArray();
+  repeated.leave();
 }
 
-void JSONWriter::dictionary(NSDictionary* dictionary) {
+void JSONWriter::dictionary(NSDictionary* dictionary, RepeatedContent& repeated) {
+  if (!repeated.enter(dictionary, dictionary->count(), indent())) return null();
   beginObject();
   for (const auto& [name, object] : sortedAttributes(dictionary)) {
     key(name);
-    value(object);
+    nested(object, repeated);
   }
   endObject();
+  repeated.leave();
+}
+
+void JSONWriter::nested(NSObject* object, RepeatedContent& repeated) {
+  if (!object || cast<NSNull>(object) || _hasElements.size() > kDeepest) return null();
+  if (auto* text = cast<NSString>(object)) return repeated.take(text) ? string(text) : null();
+  if (auto* count = cast<NSNumber>(object)) return number(count);
+  if (auto* time = cast<NSDate>(object)) return date(time);
+  if (auto* bytes = cast<NSData>(object))
+    return repeated.take(bytes->length()) ? data(bytes->view()) : null();
+  if (auto* list = cast<NSArray>(object)) return array(list, repeated);
+  if (auto* entries = cast<NSDictionary>(object)) return dictionary(entries, repeated);
+  string(descriptionOf(object));
 }
 
 void JSONWriter::value(NSObject* object) {
-  if (!object || cast<NSNull>(object) || _hasElements.size() > kDeepest) return null();
-  if (auto* text = cast<NSString>(object)) return string(text);
-  if (auto* count = cast<NSNumber>(object)) return number(count);
-  if (auto* time = cast<NSDate>(object)) return date(time);
-  if (auto* bytes = cast<NSData>(object)) return data(bytes->view());
-  if (auto* list = cast<NSArray>(object)) return array(list);
-  if (auto* entries = cast<NSDictionary>(object)) return dictionary(entries);
-  string(descriptionOf(object));
+  RepeatedContent repeated;
+  nested(object, repeated);
 }
 
 }  // namespace kbx

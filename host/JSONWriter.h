@@ -14,6 +14,7 @@ class NSArray;
 class NSDate;
 class NSDictionary;
 class NSNumber;
+class RepeatedContent;
 
 /// Writes one value after the other; the caller opens and closes in pairs and gives each value of
 /// an object its key. What comes out is valid JSON in UTF-8, whatever the values are. Control
@@ -38,7 +39,8 @@ class JSONWriter {
   /// Strings, booleans and numbers as themselves, integers to the last digit; dates as
   /// internetDate() writes them; data in base 64; arrays; dictionaries with their keys sorted; any
   /// other object as its description. Null stands for what is absent or NSNull, for a real number
-  /// or a date that has no form, and for what is nested deeper than 512 levels.
+  /// or a date that has no form, for what is nested deeper than 512 levels, and for what makes the
+  /// value write too much again (RepeatedContent).
   void value(NSObject* object);
 
  private:
@@ -53,8 +55,10 @@ class JSONWriter {
   void number(NSNumber* number);
   void date(NSDate* date);
   void data(std::string_view bytes);
-  void array(NSArray* array);
-  void dictionary(NSDictionary* dictionary);
+  void nested(NSObject* object, RepeatedContent& repeated);
+  void array(NSArray* array, RepeatedContent& repeated);
+  void dictionary(NSDictionary* dictionary, RepeatedContent& repeated);
+  std::size_t indent() const { return _layout == Layout::Indented ? 2 * _hasElements.size() : 0; }
 
   Output& _output;
   const Layout _layout;

@@ -5,17 +5,21 @@
 
 #include "host/Attributes.h"
 #include "host/Escaping.h"
+#include "host/RepeatedContent.h"
 #include "host/ValueParser.h"
 #include "host/ValueWords.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSDictionary.h"
+#include "platform/text/Format.h"
 
 namespace kbx {
 namespace {
 
 constexpr std::size_t kIndent = 4;
+constexpr std::size_t kDeepest = 512;  // as in property lists
 constexpr SpecialCharacters kSpecialInQuotes("\"\\");
+constexpr const char* kCut = "...";
 
 /// A dash in front is left to options.
 bool startsWithDash(NSString* text) {
@@ -60,18 +64,25 @@ class ValueText {
     _output.writeBlanks(kIndent * level);
   }
 
+  bool enter(const NSObject* collection, std::size_t count, std::size_t level) {
+    return level < kDeepest && _repeated.enter(collection, count, kIndent * (level + 1));
+  }
+
   Output& _output;
+  RepeatedContent _repeated;
 };
 
 /// level  how many arrays and dictionaries are open
 void ValueText::value(NSObject* value, std::size_t level) {
-  if (auto* text = cast<NSString>(value)) return string(text);
+  if (auto* text = cast<NSString>(value))
+    return _repeated.take(text) ? string(text) : _output.write(kCut);
   if (auto* number = cast<NSNumber>(value)) return _output.write(wordOfNumber(number));
   if (auto* date = cast<NSDate>(value)) return _output.write(wordOfDate(date));
-  if (auto* bytes = cast<NSData>(value)) return data(bytes);
+  if (auto* bytes = cast<NSData>(value))
+    return _repeated.take(bytes->length()) ? data(bytes) : _output.write(kCut);
   if (auto* list = cast<NSArray>(value)) return array(list, level);
   if (auto* entries = cast<NSDictionary>(value)) return dictionary(entries, level);
-  quoted(value->description());  // no property list has it
+  quoted(descriptionOf(value));  // no property list has it
 }
 
 void ValueText::string(NSString* text) {
@@ -104,6 +115,7 @@ void ValueText::data(NSData* bytes) {
 
 void ValueText::array(NSArray* array, std::size_t level) {
   if (array->count() == 0) return _output.write("()");
+  if (!enter(array, array->count(), level)) return _output.write(kCut);
   _output.write('(');
   bool isFirst = true;
   for (const auto& element : *array) {
@@ -114,10 +126,12 @@ void ValueText::array(NSArray* array, std::size_t level) {
   }
   newLine(level);
   _output.write(')');
+  _repeated.leave();
 }
 
 void ValueText::dictionary(NSDictionary* dictionary, std::size_t level) {
   if (dictionary->count() == 0) return _output.write("{}");
+  if (!enter(dictionary, dictionary->count(), level)) return _output.write(kCut);
   _output.write('{');
   for (const auto& [name, object] : sortedAttributes(dictionary)) {
     newLine(level + 1);
@@ -128,6 +142,7 @@ void ValueText::dictionary(NSDictionary* dictionary, std::size_t level) {
   }
   newLine(level);
   _output.write('}');
+  _repeated.leave();
 }
 
 }  // namespace

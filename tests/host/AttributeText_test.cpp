@@ -6,6 +6,7 @@
 #include "platform/objects/NSDate.h"
 #include "platform/objects/NSNull.h"
 #include "platform/objects/NSNumber.h"
+#include "tests/support/Nesting.h"
 #include "tests/support/Text.h"
 
 namespace kbx {
@@ -117,6 +118,18 @@ TEST(AttributeText, EndlessNestingEnds) {
   const std::string text = shown({{"n"_ns, list}});
   EXPECT_NE(text.find("..."), std::string::npos);
   list->removeAllObjects();
+}
+
+TEST(AttributeText, WhatHoldsTheSameAgainAndAgainIsBounded) {
+  auto list = NSMutableArray::array();
+  list->addObject(list);
+  list->addObject(list);
+  EXPECT_LT(shown({{"n"_ns, list}}).size(), std::size_t{1} << 25);
+  list->removeAllObjects();
+  const std::string text = shown({{"n"_ns, doubledArrays(60, "leaf"_ns)}});
+  EXPECT_LT(text.size(), std::size_t{1} << 25);
+  EXPECT_NE(text.find("leaf"), std::string::npos);
+  EXPECT_NE(text.find("..."), std::string::npos);
 }
 
 }  // namespace

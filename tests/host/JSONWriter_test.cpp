@@ -12,6 +12,7 @@
 #include "platform/objects/NSNull.h"
 #include "platform/objects/NSNumber.h"
 #include "platform/text/Base64.h"
+#include "tests/support/Nesting.h"
 #include "tests/support/Text.h"
 
 namespace kbx {
@@ -146,6 +147,34 @@ TEST(JSONWriter, EndlessNestingEndsInNull) {
     EXPECT_NE(text.find("null"), std::string::npos);
   }
   list->removeAllObjects();
+}
+
+TEST(JSONWriter, WhatHoldsTheSameAgainAndAgainIsBounded) {
+  auto doubled = doubledArrays(100, "leaf"_ns);
+  auto list = NSMutableArray::array();
+  list->addObject(list);
+  list->addObject(list);
+  for (auto layout : {Layout::OneLine, Layout::Indented}) {
+    for (NSObject* endless : {static_cast<NSObject*>(list), static_cast<NSObject*>(doubled)}) {
+      const std::string text = written(endless, layout);
+      EXPECT_TRUE(json::accept(text));
+      EXPECT_LT(text.size(), std::size_t{1} << 25);
+    }
+  }
+  list->removeAllObjects();
+}
+
+TEST(JSONWriter, ALongValueIsWrittenWhole) {
+  // Longer than what may be written again, and with a part that is written several times.
+  auto part = NSArray::arrayWithObjects({"a"_ns, NSNull::null()});
+  auto longText = string(std::string(std::size_t{1} << 25, 'x'));
+  auto list = NSMutableArray::array();
+  for (int i = 0; i < 3; ++i) list->addObject(longText);
+  for (int i = 0; i < 1000; ++i) list->addObject(part);
+  const json read = json::parse(written(list));
+  ASSERT_EQ(read.size(), 1003U);
+  EXPECT_EQ(read[2].get_ref<const std::string&>().size(), longText->length());
+  EXPECT_EQ(read[1002], json::parse(R"(["a", null])"));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "host/ValueParser.h"
+#include "tests/support/Nesting.h"
 #include "tests/support/PropertyLists.h"
 
 namespace kbx {
@@ -90,6 +91,24 @@ TEST(ValueText, EveryControlCharacterIsEscapedAndReadsBackTheSame) {
     EXPECT_TRUE(std::ranges::none_of(written, [](char byte) { return byte >= 0 && byte < ' '; }));
     EXPECT_TRUE(isEqual(valueOfText(string(written)), text)) << written;
   }
+}
+
+TEST(ValueText, WhatHoldsTheSameAgainAndAgainIsBounded) {
+  auto list = NSMutableArray::array();
+  list->addObject(list);
+  EXPECT_NE(shown(list).find("..."), std::string::npos) << "nor does it take the stack";
+  list->addObject(list);
+  EXPECT_LT(shown(list).size(), std::size_t{1} << 25);
+  list->removeAllObjects();
+  const std::string text = shown(doubledArrays(100, "leaf"_ns));
+  EXPECT_LT(text.size(), std::size_t{1} << 25);
+  EXPECT_NE(text.find("leaf"), std::string::npos);
+}
+
+TEST(ValueText, ADeepPropertyListIsWrittenWhole) {
+  const std::string text = shown(nestedArrays(512));
+  EXPECT_EQ(text.find("..."), std::string::npos);
+  EXPECT_TRUE(isEqual(valueOfText(string(text)), nestedArrays(512)));
 }
 
 }  // namespace

@@ -17,7 +17,6 @@
 #include "platform/objects/NSNull.h"
 #include "platform/objects/NSNumber.h"
 #include "platform/propertylists/BinaryPropertyListReader.h"
-#include "platform/propertylists/NSKeyedArchiverUID.h"
 
 namespace kbx {
 namespace {
@@ -68,6 +67,7 @@ class Reader final : public ArchiveWalk {
 
   bool takeEntries(Item& item, Parts parts);
   bool finishURL(Item& item, Parts parts);
+  bool payForKeys(const Item& item);
   bool checkUserInfos();
 
   ArchiveFault _fault;
@@ -136,9 +136,7 @@ const Reader::Form* Reader::formOf(Parts parts) {
 
 bool Reader::beginText(Item& item, Parts parts) {
   // A plain text here, the very text of the absent object too.
-  NSObject* text = parts->objectForKey(archive::text());
-  if (cast<NSKeyedArchiverUID>(text)) text = _head.part(parts, archive::text());
-  item.object = cast<NSString>(text);
+  item.object = cast<NSString>(_head.part(parts, archive::text()));
   auto* bytes = item.object ? nullptr : cast<NSData>(_head.part(parts, archive::textBytes()));
   if (bytes && !spend(bytes->length())) return false;
   if (bytes) item.object = NSString::stringWithUTF8(bytes->view());
@@ -241,6 +239,17 @@ bool Reader::beginError(Item& item, Parts parts) {
 
 // ---- What it ends with -------------------------------------------------------------------
 
+/// A key is hashed once more by each dictionary that holds it.
+bool Reader::payForKeys(const Item& item) {
+  for (std::size_t place : item.first) {
+    NSObject* key = _items.made(place);
+    auto* text = cast<NSString>(key);
+    auto* bytes = cast<NSData>(key);
+    if (!spend(text ? text->length() : bytes ? bytes->length() : 0)) return false;
+  }
+  return true;
+}
+
 bool Reader::finishURL(Item& item, Parts parts) {
   auto* text = cast<NSString>(_head.part(parts, archive::relative()));
   if (!text) return failPart(archive::relative());
@@ -273,7 +282,8 @@ Reader::Opened Reader::open(std::size_t place) {
 bool Reader::close(std::size_t place) {
   Item& item = _items[place];
   auto* parts = static_cast<NSDictionary*>(_head.described(place));
-  return item.object ? _items.fill(item) : finishURL(item, parts);
+  if (!item.object) return finishURL(item, parts);
+  return (!cast<NSDictionary>(item.object) || payForKeys(item)) && _items.fill(item);
 }
 
 bool Reader::checkUserInfos() {

@@ -35,6 +35,13 @@ TEST(ArchivedURL, ARelativeTextBeginsInTheFolderOfTheBase) {
   EXPECT_EQ(urlOf("a", NSURL::fileURLWithPath("/"_ns, true)), "file:///a");
 }
 
+TEST(ArchivedURL, ATextWithAnotherSchemeHasNoBase) {
+  auto folder = NSURL::fileURLWithPath("/tmp/folder"_ns, true);
+  for (const char* written : {"http://host/tmp", "mailto:a", "file:tmp"})
+    EXPECT_EQ(urlOf(written, folder), "(null)") << written;
+  EXPECT_EQ(urlOf("a/b:c", folder), "file:///tmp/folder/a/b:c") << "no scheme";
+}
+
 TEST(ArchivedURL, AnythingElseIsAbsent) {
   for (const char* written : {"", "a", "/tmp", "http://host/tmp", "mailto:a", "file://host/tmp",
                               "file:tmp", "file:", "file:///%", "file:///%4", "file:///%4g",

@@ -14,6 +14,16 @@ Ref<NSString> named(Echo*, NSString* first, NSString* second) {
 std::int64_t timesCalled(Echo* echo) { return ++echo->calls; }
 Ref<NSString> plain(Echo*) { return "plain"_ns; }
 
+/// Tells its fourteen arguments apart by their bits.
+std::int64_t bitsOf(Echo*, bool a, bool b, bool c, bool d, bool e, bool f, bool g, bool h, bool i,
+                    bool j, bool k, bool l, bool m, bool n) {
+  std::int64_t bits = 0;
+  for (bool one : {a, b, c, d, e, f, g, h, i, j, k, l, m, n}) bits = bits << 1 | one;
+  return bits;
+}
+
+[[maybe_unused]] const bool hasBits =
+    addMethod<&bitsOf>(Echo::classObject(), "a:b:c:d:e:f:g:h:i:j:k:l:m:n:");
 [[maybe_unused]] const bool hasMore = addMethod<&named>(Echo::classObject(), "first:second:") &&
                                       addMethod<&timesCalled>(Echo::classObject(), "timesCalled") &&
                                       addMethod<&plain>(Echo::classObject(), "plain");
@@ -66,6 +76,25 @@ TEST(DynamicCalls, AnyOtherArgumentRaises) {
   for (const char* selector : {"long:", "range:", "constantText:", "first:second:"})
     EXPECT_EQ(nameRaisedBy([&] { performSelector(echo, SEL(selector), "a"_ns); }), kInvalid)
         << selector;
+}
+
+TEST(DynamicCalls, AMethodOfTwoObjectsIsToldByItsTypes) {
+  auto echo = Echo::make();
+  auto exception = raisedBy([&] { performSelector(echo, SEL("first:second:"), "a"_ns); });
+  ASSERT_NE(exception, nullptr);
+  EXPECT_NE(text(exception->reason()).find("does not take one object"), std::string::npos);
+}
+
+TEST(DynamicCalls, ManyArgumentsArrive) {
+  auto echo = Echo::make();
+  bool values[14] = {true,  false, false, true, true,  false, true,
+                     false, true,  true,  true, false, false, true};
+  std::vector<void*> arguments;
+  for (bool& value : values) arguments.push_back(&value);
+  std::int64_t bits = 0;
+  const SEL selector("a:b:c:d:e:f:g:h:i:j:k:l:m:n:");
+  invoke(echo, *Echo::classObject()->instanceMethod(selector), &bits, arguments);
+  EXPECT_EQ(bits, 0b10011010111001);
 }
 
 TEST(DynamicCalls, AnUnknownSelectorRaisesWithReceiverAndSelector) {

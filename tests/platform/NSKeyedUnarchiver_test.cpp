@@ -240,6 +240,19 @@ TEST(NSKeyedUnarchiver, ObjectsWithoutTheirPartsAreRefused) {
   EXPECT_EQ(faultOf(Archive().add(list({}))), "an object of an unknown kind");
 }
 
+TEST(NSKeyedUnarchiver, AnErrorsUserInfoIsADictionaryThatCannotChange) {
+  const auto none = allAt({});
+  for (const char* className : {"NSArray", "NSMutableDictionary", "NSNull", "NSClass"})
+    EXPECT_EQ(
+        faultOf(Archive()
+                    .add("NSError",
+                         {{"NSDomain", "D"_ns}, {"NSCode", number(1)}, {"NSUserInfo", at(3)}})
+                    .add(className,
+                         {{"NS.keys", none}, {"NS.objects", none}, {"NS.name", "NSString"_ns}})),
+        "an object whose NSUserInfo is missing or of another kind")
+        << className;
+}
+
 TEST(NSKeyedUnarchiver, KeysAndValuesAreAsMany) {
   EXPECT_EQ(faultOf(Archive()
                         .add("NSDictionary", {{"NS.keys", allAt({3})}, {"NS.objects", allAt({})}})
@@ -320,18 +333,56 @@ TEST(NSKeyedUnarchiver, MoreThan512LevelsAreRefused) {
   EXPECT_EQ(faultOf(nested(20000)), "more than 512 levels of objects");
 }
 
-TEST(NSKeyedUnarchiver, PartsThatManyObjectsShareMakeNoLargeObjects) {
+/// What is said of a list of many objects of the class that are made of the same long part.
+///
+/// partOf  the parts of one, from the place of the long part
+std::string faultOfSharing(const char* className, NSObject* longPart,
+                           const std::function<Ref<NSMutableDictionary>(Ref<NSObject>)>& partsOf) {
   Archive archive;
   constexpr std::uint64_t kObjects = 3000;
   NSArray::Elements elements;
   for (std::uint64_t i = 0; i < kObjects; ++i) elements.push_back(at(i + 4));
   archive.add(parts({{"$class", at(2)}, {"NS.objects", NSArray::arrayWithElements(elements)}}))
       .add(parts({{"$classname", "NSArray"_ns}}))
-      .add(parts({{"$classname", "NSMutableData"_ns}}));
-  for (std::uint64_t i = 0; i < kObjects; ++i)
-    archive.add(parts({{"$class", at(3)}, {"NS.data", at(kObjects + 4)}}));
-  archive.add(data(std::string(100000, 'x')));
-  EXPECT_EQ(faultOf(archive), "shared parts make too large objects");
+      .add(parts({{"$classname", string(className)}}));
+  for (std::uint64_t i = 0; i < kObjects; ++i) {
+    auto object = partsOf(at(kObjects + 4));
+    object->setObjectForKey(at(3), "$class"_ns);
+    archive.add(object);
+  }
+  archive.add(longPart);
+  return faultOf(archive);
+}
+
+TEST(NSKeyedUnarchiver, PartsThatManyObjectsShareMakeNoLargeObjects) {
+  struct Case {
+    const char *className, *part;
+    Ref<NSObject> value;
+  };
+  const std::string longText(100'000, 'x');
+  for (const auto& [className, part, value] :
+       {Case{"NSMutableData", "NS.data", data(longText)},
+        {"NSString", "NS.bytes", data(longText)},
+        {"NSURL", "NS.relative", string("file:///" + longText)}}) {
+    EXPECT_EQ(faultOfSharing(className, value,
+                             [&](auto place) {
+                               return parts({{part, place}});
+                             }),
+              "shared parts make too large objects")
+        << className;
+  }
+}
+
+TEST(NSKeyedUnarchiver, ALongKeyIsNotHashedInAnyNumberOfDictionaries) {
+  const std::string longText(100'000, 'x');
+  const auto entry = [](auto place) {
+    return parts({{"NS.keys", list({place})}, {"NS.objects", list({place})}});
+  };
+  for (const char* className : {"NSDictionary", "NSMutableDictionary"})
+    for (const Ref<NSObject>& key :
+         {Ref<NSObject>(string(longText)), Ref<NSObject>(data(longText))})
+      EXPECT_EQ(faultOfSharing(className, key, entry), "shared parts make too large objects");
+  EXPECT_EQ(faultOfSharing("NSDictionary", string(longText.substr(0, 1000)), entry), "");
 }
 
 TEST(NSKeyedUnarchiver, AnArchiveIsNoPropertyList) {

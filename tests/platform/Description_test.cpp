@@ -145,6 +145,39 @@ TEST(Description, ErrorsInDictionariesTakeBoundedWork) {
   EXPECT_LT(leaf->times(), 100'000U);
 }
 
+/// An object that tells its child twice.
+class Doubling final : public NSObject {
+  KBX_OBJECT(Doubling, NSObject)
+ public:
+  static Ref<Doubling> make(NSObject* child) { return Ref<Doubling>::adopt(new Doubling(child)); }
+  Ref<NSString> description() const override {
+    return stringWithFormat("%@ %@"_ns, _child, _child);
+  }
+
+ private:
+  explicit Doubling(NSObject* child) : _child(child) {}
+  const Ref<NSObject> _child;
+};
+KBX_CLASS(Doubling)
+
+TEST(Description, ObjectsThatTellOthersTwiceTakeBoundedWork) {
+  auto leaf = Asked::make();
+  Ref<NSObject> nested = leaf;
+  for (int i = 0; i < 60; ++i) nested = Doubling::make(nested);
+  EXPECT_NE(text(nested).find("..."), std::string::npos);
+  EXPECT_LT(leaf->times(), 4'000'000U);
+}
+
+TEST(Description, ALongTextIsNotCopiedAtEachOfManyLevels) {
+  const std::string longText(1'000'000, 'x');
+  auto error = errorWith(NSDictionary::dictionaryWithPairs({{"text"_ns, string(longText)}}));
+  for (int i = 0; i < 400; ++i)
+    error = errorWith(NSDictionary::dictionaryWithPairs({{NSUnderlyingErrorKey(), error}}));
+  const std::string printed = text(error);
+  EXPECT_NE(printed.find("NSUnderlyingError=..."), std::string::npos);
+  EXPECT_EQ(printed.find(longText), std::string::npos);
+}
+
 TEST(Description, AnErrorThatLeadsBackToItselfTakesBoundedWork) {
   auto leaf = Asked::make();
   auto list = NSMutableArray::array();

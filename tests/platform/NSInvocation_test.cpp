@@ -214,6 +214,19 @@ TEST(NSInvocation, AnAbsentTargetAnswersZero) {
   EXPECT_EQ(result, 0);
 }
 
+TEST(NSInvocation, AnAbsentTargetAnswersNoObject) {
+  auto echo = Echo::make();
+  auto invocation = invocationOf(echo, "object:");
+  NSObject* argument = "word"_ns;
+  invocation->setArgument(&argument, 2);
+  invocation->invoke();
+  invocation->setTarget(nullptr);
+  invocation->invoke();
+  Ref<NSObject> result = argument;
+  invocation->getReturnValue(&result);
+  EXPECT_EQ(result, nullptr) << "nor that of the call before";
+}
+
 TEST(NSInvocation, RetainedArgumentsLiveAsLongAsTheInvocation) {
   auto echo = Echo::make();
   auto invocation = invocationOf(echo, "object:");

@@ -212,6 +212,7 @@ TEST(NSKeyedUnarchiver, ObjectsWithoutTheirPartsAreRefused) {
   for (const Case& one : std::initializer_list<Case>{
            {"NSString", {}, "NS.string"},
            {"NSString", {{"NS.string", number(1)}}, "NS.string"},
+           {"NSString", {{"NS.string", at(0)}}, "NS.string"},
            {"NSString", {{"NS.bytes", data("\xFF")}}, "NS.string"},
            {"NSDate", {}, "NS.time"},
            {"NSDate", {{"NS.time", "5"_ns}}, "NS.time"},

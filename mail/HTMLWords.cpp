@@ -234,25 +234,4 @@ bool hasAllWords(const std::optional<Words>& all, const std::optional<Words>& so
   return all && some && std::ranges::includes(*all, *some);
 }
 
-std::string htmlFromPlainText(std::string_view text) {
-  std::string html = "<pre>";
-  html.reserve(text.size() + text.size() / 16 + 16);
-  for (char c : text) {
-    switch (c) {
-      case '<':
-        html += "&lt;";
-        break;
-      case '>':
-        html += "&gt;";
-        break;
-      case '&':
-        html += "&amp;";
-        break;
-      default:
-        html += c;
-    }
-  }
-  return html += "</pre>\n";
-}
-
 }  // namespace kbx

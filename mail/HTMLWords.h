@@ -1,4 +1,4 @@
-// HTMLWords: the words of plain text and of HTML, and plain text as HTML.
+// HTMLWords: the words of plain text and of HTML.
 #pragma once
 
 #include <cstdint>
@@ -21,8 +21,5 @@ std::optional<Words> wordsOfHTML(std::string_view html);
 
 /// False when either is absent, which errs on the side of keeping both texts.
 bool hasAllWords(const std::optional<Words>& all, const std::optional<Words>& some);
-
-/// HTML that shows a plain text as it is, its lines and blanks kept.
-std::string htmlFromPlainText(std::string_view text);
 
 }  // namespace kbx

@@ -5,10 +5,13 @@
 #include <span>
 #include <utility>
 
+#include "mail/HTMLText.h"
 #include "mail/HTMLWords.h"
 
 namespace kbx {
 namespace {
+
+constexpr std::size_t kManySections = 4096;
 
 /// Appends, with a line end between; the first of several is moved.
 void appendLines(std::string& text, std::string&& more) {
@@ -23,6 +26,21 @@ void appendLines(std::string& text, std::string&& more) {
 bool isBlank(std::string_view text) {
   return text.find_first_not_of(" \t\r\n\f\v") == std::string_view::npos;
 }
+
+/// Puts HTML together so that each piece is shown, whatever the one before it leaves open.
+class JoinedHTML {
+ public:
+  void add(std::string html) {
+    if (!_html.empty()) _html += closingOfHTML(std::string_view(_html).substr(_last));
+    _last = _html.size();
+    appendLines(_html, std::move(html));
+  }
+  std::string take() { return std::move(_html); }
+
+ private:
+  std::string _html;
+  std::size_t _last = 0;  // where the piece that was added last begins
+};
 
 /// The HTML of a section; plain text escaped, its lines kept.
 std::string takeHTML(TextSection& section) {
@@ -39,6 +57,7 @@ class Forms {
     std::optional<Words> more = _wordsOf(text);
     if (hasAllWords(words(), more)) return;
     if (hasAllWords(more, words())) return set(std::move(text), std::move(more));
+    if (_wordsOf == &wordsOfHTML) *_text += closingOfHTML(*_text);
     appendLines(*_text, std::move(text));
     if (!more) _words.reset();
     if (!_words) return;
@@ -78,9 +97,9 @@ void takeForm(std::span<TextSection> form, Forms* plain, Forms* html) {
     plain->add(std::move(text));
   }
   if (!hasHTML) return;
-  std::string text;
-  for (TextSection& one : form) appendLines(text, takeHTML(one));
-  html->add(std::move(text));
+  JoinedHTML text;
+  for (TextSection& one : form) text.add(takeHTML(one));
+  html->add(text.take());
 }
 
 TextSection sectionOf(Forms plain, Forms html) {
@@ -105,7 +124,8 @@ void TextSections::addPlain(std::string text) {
 
 void TextSections::addHTML(std::string html) {
   if (isBlank(html)) return;
-  const bool joins = mayJoin() && _sections.back().html && !_sections.back().plain;
+  const bool joins = _sections.size() >= kManySections && mayJoin() && _sections.back().html &&
+                     !_sections.back().plain;
   if (joins)
     appendLines(*_sections.back().html, std::move(html));
   else
@@ -140,16 +160,17 @@ void TextSections::mergeAlternatives(const std::vector<std::size_t>& starts) {
 
 BodyText TextSections::take() {
   BodyText text;
+  JoinedHTML joined;
   const bool isPlain =
       std::ranges::all_of(_sections, [](auto& one) { return one.plain.has_value(); });
   const bool hasHTML =
       std::ranges::any_of(_sections, [](auto& one) { return one.html.has_value(); });
   for (TextSection& section : _sections) {
-    std::string html = hasHTML ? takeHTML(section) : std::string();
+    if (hasHTML) joined.add(takeHTML(section));
     if (isPlain) appendLines(text.plain, std::move(*section.plain));
-    if (hasHTML) appendLines(text.html, std::move(html));
     section = {};
   }
+  text.html = joined.take();
   _sections.clear();
   return text;
 }

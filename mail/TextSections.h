@@ -21,8 +21,8 @@ struct BodyText {
   std::string html;
 };
 
-/// Collects sections in their order. Neighbours in the same form become one, so a body of many
-/// small parts takes no more memory than their text.
+/// Collects sections in their order. Plain neighbours become one, and those in HTML when there are
+/// many, so a body of many small parts takes no more memory than their text.
 class TextSections {
  public:
   void addPlain(std::string text);

@@ -73,13 +73,20 @@ TEST(TextSections, AnAlternativeOfOneFormIsThatForm) {
   EXPECT_EQ(both("alternative", ""), " ~ ");
 }
 
-TEST(TextSections, NeighboursOfOneFormAreOneSection) {
+TEST(TextSections, ManyNeighboursAreFewSections) {
   TextSections sections;
-  for (int i = 0; i < 1000; ++i) sections.addPlain("x");
+  for (int i = 0; i < 10000; ++i) sections.addPlain("x");
   EXPECT_EQ(sections.sections().size(), 1u);
-  sections.addHTML("<p>");
-  sections.addHTML("<p>");
-  EXPECT_EQ(sections.sections().size(), 2u);
+  for (int i = 0; i < 10000; ++i) sections.addHTML("<p>");
+  EXPECT_LT(sections.sections().size(), 5000u);
+}
+
+TEST(TextSections, WhatHTMLLeavesOpenHidesNoLaterSection) {
+  EXPECT_EQ(both("mixed", part("text/html", "a<!-- b") + part("text/plain", "c")),
+            " ~ a<!-- b--><pre>c</pre>");
+  EXPECT_EQ(both("mixed", part("text/html", "a<style>b") + part("text/html", "c<p d='") +
+                              part("text/html", "e<p")),
+            " ~ a<style>b</style>c<p d='\"'>e<p");
 }
 
 TEST(TextSections, BlankTextIsNoSection) {

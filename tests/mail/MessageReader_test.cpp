@@ -87,6 +87,12 @@ TEST(MessageReader, TheInnermostOfTwoEqualBoundariesCounts) {
   EXPECT_EQ(textOf(kMixed + "--b\n" + kMixed + "--b\n\none\n--b--\n"), "one\n");
 }
 
+TEST(MessageReader, ABoundaryIsTheOuterOnesAgainWhenTheInnerIsGone) {
+  EXPECT_EQ(textOf(kMixed + "--b\nContent-Type: multipart/mixed; boundary=a\n\n--a\n" + kMixed +
+                   "--b\n\none\n--a\n\ntwo\n--b\n\nthree\n"),
+            "one\ntwo\nthree\n");
+}
+
 TEST(MessageReader, PartsBehindTheLastBoundaryAreStillRead) {
   EXPECT_EQ(textOf(kMixed + "--b\n\none\n--b--\nnothing\n--b\n\ntwo\n--b--\n"), "one\ntwo\n");
 }

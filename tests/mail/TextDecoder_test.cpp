@@ -25,6 +25,12 @@ TEST(TextDecoder, UTF8IsRecognisedUnderAWrongName) {
   EXPECT_EQ(textOf("caf\xC3\xA9 \xF0\x9F\x98\x80", "shift_jis"), "café 😀");
 }
 
+TEST(TextDecoder, UTF8ComesBeforeWhatIsNearlyAllOfTheDeclaredCharset) {
+  std::string text = "\xE2\x82\xAC";
+  for (int i = 0; i < 30; ++i) text += "\xC3\xA9";
+  EXPECT_EQ(textOf(text, "euc-kr"), text);
+}
+
 TEST(TextDecoder, ABrokenCharacterDoesNotCostTheOthers) {
   const std::string much = "é è à ù ê ô ç ï ü ë œ æ";
   EXPECT_EQ(textOf(much + " \xFF", "utf-8"), much + " \xEF\xBF\xBD");

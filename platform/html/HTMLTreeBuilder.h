@@ -127,8 +127,9 @@ class HTMLTreeBuilder {
 
   void startTag(const HTMLToken& token) {
     const HTMLTagInfo& info = infoOf(token.tag);
-    if (_open.isForeign() && info.action != HTMLAction::Script &&
-        info.action != HTMLAction::Style) {
+    // A script or style that ends in its own tag must not hold the rest of the document.
+    const bool isRaw = info.action == HTMLAction::Script || info.action == HTMLAction::Style;
+    if (_open.isForeign() && (token.isSelfClosing || !isRaw)) {
       if (!info.has(kLeavesForeign)) return startForeign(token, _open.top().vocabulary);
       while (_open.isForeign()) pop();
     }
@@ -307,10 +308,14 @@ class HTMLTreeBuilder {
     if (info.has(kBlock)) blockEnd();
   }
 
+  /// The end tag of any heading ends the innermost one.
   void endHeading() {
-    for (auto i = static_cast<std::uint32_t>(HTMLTag::H1);
+    HTMLTag innermost = HTMLTag::H1;
+    for (auto i = static_cast<std::uint32_t>(HTMLTag::H2);
          i <= static_cast<std::uint32_t>(HTMLTag::H6); ++i)
-      if (popOpen(static_cast<HTMLTag>(i), _open.top().scope)) return;
+      if (_open.lastOpen(static_cast<HTMLTag>(i)) > _open.lastOpen(innermost))
+        innermost = static_cast<HTMLTag>(i);
+    popOpen(innermost, _open.top().scope);
   }
 
   /// Whether a name can be written in XML and needs no prefix.

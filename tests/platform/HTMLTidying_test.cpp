@@ -148,6 +148,8 @@ TEST(HTMLTidying, ElementsEndWhereTheyMust) {
        "<select><option>a</option>\n<option>b</option>\n<optgroup><option>c</option></optgroup>"
        "</select>"},
       {"headings", "<h1>a<h2>b</h1>c", "<h1>a</h1>\n<h2>b</h2>\nc"},
+      {"a heading in another", "<h1><div><h2>a</h2>b</div>c</h1>d",
+       "<h1><div><h2>a</h2>\nb</div>\nc</h1>\nd"},
       {"anchors", "<a>a<a>b", "<a>a</a><a>b</a>"},
       {"forms", "<form>a<form>b</form>c", "<form>a\nb</form>\nc"},
       {"void elements", "<img>a<hr>b</img>", "<img></img>a<hr></hr>\nb"},
@@ -213,6 +215,8 @@ TEST(HTMLTidying, ForeignContentEndsWhereHTMLBegins) {
       {"a script is HTML's", "<svg><script>a<b</script></svg>",
        "<svg xmlns=\"http://www.w3.org/2000/svg\"><script xmlns=\"http://www.w3.org/1999/xhtml\">"
        "a&lt;b</script></svg>"},
+      {"a script and a style that end in their own tags", "<svg><script/>a<style/>b</svg>c",
+       "<svg xmlns=\"http://www.w3.org/2000/svg\"><script></script>a<style></style>b</svg>c"},
       {"an end tag", "<div><svg><g></div>a",
        "<div><svg xmlns=\"http://www.w3.org/2000/svg\"><g></g></svg></div>a"},
   });

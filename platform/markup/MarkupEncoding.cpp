@@ -110,24 +110,25 @@ std::string_view declaredByXML(std::string_view head) {
   return valueBehind(head.substr(0, head.find("?>")), "encoding");
 }
 
-std::string_view declaredByMeta(std::string_view head) {
+/// Of the first meta tag that names a charset which is known; absent without one.
+const char* charsetByMeta(std::string_view head) {
   for (std::size_t i = 0; (i = head.find('<', i)) != head.npos; ++i) {
     const std::string_view tag = head.substr(i);
     if (tag.starts_with("<!--")) {
       i = head.find("-->", i + 2);
-      if (i == head.npos) return {};
+      if (i == head.npos) return nullptr;
     } else if (equalsIgnoringASCIICase(tag.substr(0, 5), "<meta")) {
       const auto label = valueBehind(tag.substr(0, tag.find('>')), "charset");
-      if (!label.empty()) return label;
+      if (const char* charset = charsetOfLabel(label)) return charset;
     }
   }
-  return {};
+  return nullptr;
 }
 
 const char* declaredCharset(std::string_view bytes) {
   const std::string_view head = bytes.substr(0, kDeclarationSpace);
   if (const char* charset = charsetOfLabel(declaredByXML(head))) return charset;
-  return charsetOfLabel(declaredByMeta(head));
+  return charsetByMeta(head);
 }
 
 MarkupEncoding encodingByMark(std::string_view bytes) {

@@ -436,6 +436,10 @@ TEST_F(KBXSpotlightImporterTest, TextIsMadeOfHTMLFrom10_11On) {
                "an empty text wins, too",
                attributes({{"kMDItemHTMLContentData"_ns, bytes}, {"kMDItemHTMLContent"_ns, ""_ns}}),
                "", true},
+           Case{"bytes stand in for a text that UTF-8 cannot hold",
+                attributes({{"kMDItemHTMLContentData"_ns, bytes},
+                            {"kMDItemHTMLContent"_ns, NSString::stringWithUTF16(u"\xD800")}}),
+                "c", true},
            Case{"nothing visible", attributes({{"kMDItemHTMLContent"_ns, "<p>"_ns}}), "", true},
            Case{"no HTML", attributes({{"a"_ns, "b"_ns}}), "", false},
        }) {

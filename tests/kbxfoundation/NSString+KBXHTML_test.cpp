@@ -51,7 +51,7 @@ class Areas {
 /// The answers of the engine, each of which a test may replace.
 class FakeXML final : public XMLProcessing {
  public:
-  enum class Answer { Engine, Failure, Empty, Text, BadText, Object, Raise };
+  enum class Answer { Engine, Failure, SystemFailure, Empty, Text, BadText, Object, Raise };
   Answer first = Answer::Engine, second = Answer::Engine, transformed = Answer::Engine;
   int parses = 0;
 
@@ -61,7 +61,9 @@ class FakeXML final : public XMLProcessing {
     const Answer answer = ++parses == 1 ? first : second;
     if (answer == Answer::Engine) return XMLProcessing::documentWithData(data, options, error);
     if (answer == Answer::Raise) raiseRange("a test");
-    if (error)
+    if (answer == Answer::SystemFailure && error)
+      *error = posixError(4);
+    else if (error)
       *error = NSError::errorWithDomain(NSXMLParserErrorDomain(), answer == Answer::Empty ? 4 : 77,
                                         nullptr);
     return nullptr;
@@ -229,6 +231,8 @@ TEST_F(NSStringKBXHTML, EveryFailureOfThePlatformHasItsFrames) {
            Case{"the first parse finds nothing", Answer::Empty, engine, engine, 4,
                 frame(kUngated, 196)},
            Case{"the second parse", engine, Answer::Failure, engine, 77, frame(kUngated, 211)},
+           Case{"the second parse, with an empty document's code of another domain", engine,
+                Answer::SystemFailure, engine, 4, frame(kUngated, 211)},
            Case{"the transformation", engine, engine, Answer::Failure, 5,
                 frame(kUngated, 216) + "; " + frame(kTextData, 102)},
            Case{"another object", engine, engine, Answer::Object, kUnexpectedClassError,

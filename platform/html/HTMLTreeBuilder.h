@@ -59,6 +59,7 @@ class HTMLTreeBuilder {
           finish();
           return;
       }
+      _isBehindBreak = token.kind == HTMLToken::Kind::StartTag && token.tag == HTMLTag::Br;
     }
   }
 
@@ -297,7 +298,11 @@ class HTMLTreeBuilder {
 
   void endTag(const HTMLToken& token) {
     const HTMLTagInfo& info = infoOf(token.tag);
-    if (info.action == HTMLAction::Break) return startTag(token);
+    if (info.action == HTMLAction::Break) {
+      // Behind its start tag it is how the canonical form of other XML ends the one break.
+      if (!_isBehindBreak) startTag(token);
+      return;
+    }
     if (token.tag == HTMLTag::Body || token.tag == HTMLTag::Html) return blockEnd();
     const HTMLTag tag =
         token.tag == HTMLTag::Unknown ? _open.knownTagOfName(token.name) : token.tag;
@@ -331,6 +336,7 @@ class HTMLTreeBuilder {
   OpenElements _open;
   std::vector<typename HTMLTextFlow<Sink>::State> _outerFlows;
   bool _isInHead = true;
+  bool _isBehindBreak = false;  // the tag before is a break's
   bool _hasHTML = false, _hasBody = false, _hasForm = false;
 };
 

@@ -11,9 +11,10 @@ namespace kbx {
 inline NSString* FerncaseErrorDomain() { return "FerncaseErrorDomain"_ns; }
 
 enum FerncaseErrorCode : std::int64_t {
-  FerncaseImportFailedError = 1,   // the importer gave no attributes
-  FerncaseNoMessagesError = 2,     // a folder without a message
-  FerncaseImpossiblePathError = 3  // a path that no file can have
+  FerncaseImportFailedError = 1,    // the importer gave no attributes
+  FerncaseNoMessagesError = 2,      // a folder without a message
+  FerncaseImpossiblePathError = 3,  // a path that no file can have
+  FerncaseStagingFailedError = 4    // no private folder, or no link in it
 };
 
 /// An error of our domain. The description is shown as it is.

@@ -2,6 +2,7 @@
 
 #include <exception>
 #include <new>
+#include <optional>
 #include <string>
 
 #include "host/FerncaseErrors.h"
@@ -11,6 +12,7 @@
 #include "platform/objects/NSNumber.h"
 #include "platform/plugins/Bridge.h"
 #include "platform/plugins/PlugInServices.h"
+#include "platform/resources/TypeIdentifiers.h"
 #include "platform/system/SystemRoot.h"
 
 namespace kbx {
@@ -19,8 +21,11 @@ namespace {
 /// What a caller puts into the attributes to have the mail importer used wherever it runs.
 NSString* forceKey() { return "FoxTrot"_ns; }
 
-/// Importers answer an unreadable file with an empty text, so the host looks first.
-bool canBeOpened(NSURL* file, Ref<NSError>* error) { return ReadableFile(file, error).isOpen(); }
+/// In bytes. Importers answer an unreadable file with an empty text, so the host looks first.
+std::optional<std::uint64_t> readableSize(NSURL* file, Ref<NSError>* error) {
+  const ReadableFile readable(file, error);
+  return readable.isOpen() ? std::optional(readable.size()) : std::nullopt;
+}
 
 /// And last: what can be opened may yet fail while it is read.
 bool canBeRead(NSURL* file, Ref<NSError>* error) {
@@ -43,16 +48,45 @@ std::string mailImporterReason() {
 
 }  // namespace
 
+Ref<NSString> contentTypeOf(NSURL* file) {
+  std::string_view path = file->fileSystemRepresentation();
+  return typeIdentifier(path.substr(path.rfind('/') + 1), false);
+}
+
 Ref<NSDictionary> FileImporter::attributesOfFile(NSURL* file, Ref<NSError>* error) {
-  if (!canBeOpened(file, error)) return nullptr;
+  const auto size = readableSize(file, error);
+  if (!size) return nullptr;
+  Ref<NSMutableDictionary> attributes;
+  if (_staging) {
+    attributes = stagedAttributes(file, *size, error);
+  } else {
+    ImportLog::Recording recording;
+    attributes = import(file, file, recording, error);
+  }
+  const bool isDoubtful = attributes && !_usesMailImporter && hasEmptyText(attributes);
+  return isDoubtful && !canBeRead(file, error) ? nullptr : attributes;
+}
+
+Ref<NSMutableDictionary> FileImporter::stagedAttributes(NSURL* file, std::uint64_t size,
+                                                        Ref<NSError>* error) {
+  const StagedMessage staged(_staging->folderForSize(size), file, error);
+  if (!staged.url()) return nullptr;
+  ImportLog::Recording recording;
+  recording.replacePath(staged.folder(), staged.originalFolder());
+  auto attributes = import(file, staged.url(), recording, error);
+  if (attributes) staged.restorePaths(attributes);
+  return attributes;
+}
+
+Ref<NSMutableDictionary> FileImporter::import(NSURL* file, NSURL* place,
+                                              const ImportLog::Recording& recording,
+                                              Ref<NSError>* error) {
   auto attributes = NSMutableDictionary::dictionary();
   if (_usesMailImporter) attributes->setObjectForKey(NSNumber::numberWithBool(true), forceKey());
-  const ImportLog::Recording recording;
   try {
-    if (_importer.importFile(file, attributes)) {
+    if (_importer.importFile(place, contentTypeOf(file), attributes)) {
       attributes->removeObjectForKey(forceKey());
-      const bool isDoubtful = !_usesMailImporter && hasEmptyText(attributes);
-      return isDoubtful && !canBeRead(file, error) ? nullptr : attributes;
+      return attributes;
     }
     *error = importError(recording.lines(), _usesMailImporter ? mailImporterReason() : "");
   } catch (const std::bad_alloc&) {

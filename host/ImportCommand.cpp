@@ -4,9 +4,10 @@
 #include <optional>
 
 #include "host/FerncaseErrors.h"
-#include "host/FileImporter.h"
 #include "host/ImportLog.h"
+#include "host/ImporterChoice.h"
 #include "host/InputFiles.h"
+#include "host/Interruption.h"
 #include "host/Results.h"
 #include "host/StandardInput.h"
 #include "platform/files/FileNames.h"
@@ -17,7 +18,8 @@ namespace {
 constexpr char kDefaultImporter[] = "/Library/Spotlight/FerncaseSpotlightImporter.mdimporter";
 
 struct Options {
-  std::string importer = kDefaultImporter;
+  std::optional<std::string> importer;  // absent for those that are installed
+  std::string staging = "private";
   bool isJSON = false;
   bool isLines = false;
   bool isForced = false;
@@ -28,8 +30,8 @@ struct Options {
 /// The results of one command line, one input after the other.
 class ImportRun {
  public:
-  ImportRun(FileImporter importer, Results& results, Diagnostics& diagnostics)
-      : _importer(importer), _results(results), _diagnostics(diagnostics) {}
+  ImportRun(ImporterChoice& importers, Results& results, Diagnostics& diagnostics)
+      : _importers(importers), _results(results), _diagnostics(diagnostics) {}
 
   void importInput(const Input& input);
   ExitCode exitCode() const {
@@ -40,7 +42,7 @@ class ImportRun {
  private:
   Ref<NSDictionary> attributesOf(const Input& input, Ref<NSError>* error);
 
-  FileImporter _importer;
+  ImporterChoice& _importers;
   Results& _results;
   Diagnostics& _diagnostics;
   bool _hasDelivered = false;
@@ -63,10 +65,10 @@ void ImportRun::importInput(const Input& input) {
 Ref<NSDictionary> ImportRun::attributesOf(const Input& input, Ref<NSError>* error) {
   if (input.path == kStandardInputName) {
     const StandardInput copy(error);
-    return copy.url() ? _importer.attributesOfFile(copy.url(), error) : nullptr;
+    return copy.url() ? _importers.attributesOfFile(copy.url(), error) : nullptr;
   }
   auto url = NSURL::fileURLWithFileSystemRepresentation(input.path, false);
-  if (url) return _importer.attributesOfFile(url, error);
+  if (url) return _importers.attributesOfFile(url, error);
   *error = ferncaseError(FerncaseImpossiblePathError, "No file can have this path.");
   return nullptr;
 }
@@ -86,7 +88,8 @@ class ImportCommand final : public Command {
  private:
   void checkUsage(const std::vector<std::string>& operands) const;
   std::unique_ptr<Results> makeResults(Output& output, bool hasSeveral) const;
-  ExitCode importAll(ImporterBundle& importer, std::vector<std::string> operands,
+  ImporterChoice makeChoice(Staging* staging) const;
+  ExitCode importAll(ImporterChoice& importers, std::vector<std::string> operands,
                      Console& console) const;
 
   Options _options;
@@ -104,13 +107,18 @@ std::string_view ImportCommand::notes() const {
 }
 
 void ImportCommand::declareOptions(CLI::App& options) {
-  options.add_option("--importer", _options.importer, "The importer bundle to ask")
+  options.add_option("--importer", _options.importer, "The importer bundle to ask for every file")
       ->type_name("BUNDLE");
   options.add_flag("--json", _options.isJSON, "Print one JSON array");
   options.add_flag("--ndjson", _options.isLines, "Print one JSON object a line, at once");
-  options.add_flag("--force", _options.isForced, "Use the mail importer");
   options.add_flag("--raw-fallback", _options.isRaw,
-                   "Let the importer answer with the raw text (the default)");
+                   "Let the importer answer with the raw text of a message");
+  options.add_flag("--force", _options.isForced, "Use the mail importer (the default)");
+  options
+      .add_option("--stage", _options.staging,
+                  "Where the mail importer's copy of a message is made: \"private\", in a folder "
+                  "of this run, or \"beside\" the message")
+      ->type_name("PLACE");
   options.add_flag("-v,--verbose", _options.isVerbose,
                    "Print what the importer logs to standard error");
 }
@@ -121,7 +129,10 @@ void ImportCommand::checkUsage(const std::vector<std::string>& operands) const {
     throw UsageError("--json and --ndjson exclude each other");
   if (_options.isForced && _options.isRaw)
     throw UsageError("--force and --raw-fallback exclude each other");
-  if (_options.importer.empty()) throw UsageError("--importer needs a BUNDLE");
+  if (_options.staging != "private" && _options.staging != "beside")
+    throw UsageError("--stage is private or beside");
+  if (_options.importer && _options.importer->empty())
+    throw UsageError("--importer needs a BUNDLE");
 }
 
 std::unique_ptr<Results> ImportCommand::makeResults(Output& output, bool hasSeveral) const {
@@ -130,28 +141,37 @@ std::unique_ptr<Results> ImportCommand::makeResults(Output& output, bool hasSeve
   return makeTextResults(output, hasSeveral);
 }
 
+ImporterChoice ImportCommand::makeChoice(Staging* staging) const {
+  const ImporterChoice::Messages messages{!_options.isRaw, staging};
+  if (_options.importer) return {{}, *_options.importer, messages};
+  return {installedImporters(), kDefaultImporter, messages};
+}
+
 ExitCode ImportCommand::run(std::vector<std::string> operands, Console& console) {
   checkUsage(operands);
   ImportLog log(_options.isVerbose ? &console.diagnostics : nullptr);
   const ScopedService<ClassicLog> installed(log);
-  std::string reason;
-  auto url = NSURL::fileURLWithFileSystemRepresentation(_options.importer, true);
-  auto importer = ImporterBundle::load(url, &reason);
-  if (importer) return importAll(*importer, std::move(operands), console);
-  console.diagnostics.failure(_options.importer, stringWithFileSystemRepresentation(reason));
+  const Interruption noted;
+  std::optional<Staging> staging;  // only the mail importer's copies are worth one
+  if (!_options.isRaw && _options.staging == "private") staging.emplace();
+  ImporterChoice importers = makeChoice(staging ? &*staging : nullptr);
+  std::string path, reason;
+  if (importers.loadForMessages(&path, &reason))
+    return importAll(importers, std::move(operands), console);
+  console.diagnostics.failure(path, stringWithFileSystemRepresentation(reason));
   return kNoneDelivered;
 }
 
-ExitCode ImportCommand::importAll(ImporterBundle& importer, std::vector<std::string> operands,
+ExitCode ImportCommand::importAll(ImporterChoice& importers, std::vector<std::string> operands,
                                   Console& console) const {
   const bool isNamedAlone = operands.size() == 1;
   InputFiles inputs(std::move(operands));
   // The text form is another for one file than for several, so one is looked at ahead.
   std::optional<Input> input = inputs.next(), following = inputs.next();
   auto results = makeResults(console.output, !isNamedAlone || following);
-  ImportRun run(FileImporter(importer, _options.isForced), *results, console.diagnostics);
+  ImportRun run(importers, *results, console.diagnostics);
   results->begin();
-  for (; input; input = std::exchange(following, inputs.next())) {
+  for (; input && !Interruption::isWished(); input = std::exchange(following, inputs.next())) {
     run.importInput(*input);
     if (!console.output.flush()) return kBroken;
   }

@@ -13,8 +13,15 @@ ImportLog::Recording::Recording() : _outer(innermost) { innermost = this; }
 
 ImportLog::Recording::~Recording() { innermost = _outer; }
 
+void ImportLog::Recording::replacePath(NSString* path, NSString* shown) {
+  _replacedPath = path;
+  _shownPath = shown;
+}
+
 void ImportLog::write(NSString* message) {
-  const Ref<NSString> line = descriptionOf(message);
+  Ref<NSString> line = descriptionOf(message);
+  if (innermost && innermost->_replacedPath)
+    line = line->stringByReplacingOccurrences(innermost->_replacedPath, innermost->_shownPath);
   if (_diagnostics) _diagnostics->log(line);
   if (!innermost) return;
   if (innermost->_lines.size() == kMostLines) innermost->_lines.pop_front();

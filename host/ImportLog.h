@@ -28,10 +28,14 @@ class ImportLog final : public ClassicLog {
     Recording& operator=(const Recording&) = delete;
 
     const Lines& lines() const noexcept { return _lines; }
+    /// From now on lines have another path where they name one, shown to the user as well.
+    void replacePath(NSString* path, NSString* shown);
 
    private:
     friend class ImportLog;
     Lines _lines;
+    Ref<NSString> _replacedPath;
+    Ref<NSString> _shownPath;
     Recording* const _outer;
   };
 

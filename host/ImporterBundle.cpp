@@ -52,15 +52,15 @@ ImporterBundle::Owned<Interface> ImporterBundle::query(IUnknownVTbl** instance,
   return Owned<Interface>(static_cast<Interface**>(found));
 }
 
-bool ImporterBundle::importFile(NSURL* file, NSMutableDictionary* attributes) {
-  Ref<NSObject> known = file->resourceValueForKey(NSURLTypeIdentifierKey(), nullptr);
-  const CFStringRef contentType = toCF(cast<NSString>(known));
+bool ImporterBundle::importFile(NSURL* file, NSString* contentType,
+                                NSMutableDictionary* attributes) {
   if (auto* interface = _urlInterface.get())
     return (*interface)
-        ->ImporterImportURLData(interface, toCF(attributes), contentType, toCF(file));
+        ->ImporterImportURLData(interface, toCF(attributes), toCF(contentType), toCF(file));
   auto* interface = _legacyInterface.get();
   return (*interface)
-      ->ImporterImportData(interface, toCF(attributes), contentType, toCF(file->path().get()));
+      ->ImporterImportData(interface, toCF(attributes), toCF(contentType),
+                           toCF(file->path().get()));
 }
 
 }  // namespace kbx

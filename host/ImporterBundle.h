@@ -23,8 +23,10 @@ class ImporterBundle {
 
   /// Lets the importer add what it finds out about a file, and answers what it answers.
   ///
+  /// contentType  the type identifier that it is told; may be absent
+  ///
   /// Exceptions of the importer pass through.
-  bool importFile(NSURL* file, NSMutableDictionary* attributes);
+  bool importFile(NSURL* file, NSString* contentType, NSMutableDictionary* attributes);
 
  private:
   struct Release {

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "host/Interruption.h"
 #include "platform/files/FileErrors.h"
 #include "platform/files/FileSystem.h"
 #include "platform/files/ReadableFile.h"
@@ -46,6 +47,7 @@ Failure copyTo(int descriptor) {
 
 Failure copyTo(const std::string& path) {
   auto& files = FileSystem::current();
+  const Interruption::Allowed whileWaiting;
   const int descriptor = files.open(path, FileSystem::Opening::CreatingNew);
   if (descriptor < 0) return {FileAction::Writing, -descriptor};
   const Failure failure = copyTo(descriptor);

@@ -3,6 +3,7 @@
 #include <exception>
 
 #include "host/CommandLine.h"
+#include "host/Interruption.h"
 #include "host/PrivateFiles.h"
 #include "host/StandardStreams.h"
 #include "platform/objects/NSError.h"
@@ -29,7 +30,10 @@ int main(int argc, char** argv) {
   kbx::Diagnostics diagnostics(complaints);
   kbx::Console console{output, diagnostics};
   try {
-    return finish(console, kbx::runCommandLine({argv + (argc > 0), argv + argc}, console));
+    const auto code =
+        finish(console, kbx::runCommandLine({argv + (argc > 0), argv + argc}, console));
+    kbx::Interruption::fulfil();
+    return code;
   } catch (const std::exception& exception) {
     diagnostics.message(exception.what());
     return kbx::kBroken;

@@ -89,7 +89,8 @@ TEST(CommandLine, WrongUsageIsToldWithAHint) {
          "import --help"},
         {{"import", "--force", "--raw-fallback", "a"},
          "--force and --raw-fallback exclude each other",
-         "import --help"}}) {
+         "import --help"},
+        {{"import", "--stage=nowhere", "a"}, "--stage is private or beside", "import --help"}}) {
     auto answer = run(arguments);
     EXPECT_EQ(answer.code, kMisused);
     EXPECT_EQ(answer.output, "");

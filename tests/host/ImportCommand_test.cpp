@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <map>
 #include <nlohmann/json.hpp>
 
 #include "platform/text/TextDetection.h"
@@ -33,8 +34,9 @@ class ImportCommandTest : public testing::Test {
     arguments.insert(arguments.begin(), {FERNCASE_BINARY, "import"});
     return Process(std::move(arguments));
   }
-  /// In the folder of the test's files.
+  /// In the folder of the test's files; the answers are the raw text.
   Finished run(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), "--raw-fallback");
     return command(std::move(arguments)).folder(_folder.path()).run();
   }
   /// The objects of the lines that `--ndjson` prints.
@@ -190,7 +192,8 @@ TEST_F(ImportCommandTest, AnErrorLineCannotBeFakedByAName) {
 }
 
 TEST_F(ImportCommandTest, StandardInputIsAMessage) {
-  for (auto arguments : {std::vector<std::string>{"--ndjson", "-"}, {"--ndjson", "--", "-"}}) {
+  for (auto arguments : {std::vector<std::string>{"--raw-fallback", "--ndjson", "-"},
+                         {"--raw-fallback", "--ndjson", "--", "-"}}) {
     auto finished = command(arguments).input(kMessage).run();
     auto results = lines(finished.output);
     ASSERT_EQ(results.size(), 1u);
@@ -199,15 +202,57 @@ TEST_F(ImportCommandTest, StandardInputIsAMessage) {
   }
 }
 
-TEST_F(ImportCommandTest, TheRawFallbackIsTheDefault) {
+TEST_F(ImportCommandTest, TheMailImporterIsTheDefault) {
   _folder.write("a.eml", kMessage);
-  EXPECT_EQ(runLines({"a.eml"}), runLines({"--raw-fallback", "a.eml"}));
+  for (auto arguments : {std::vector<std::string>{"--ndjson", "a.eml"},
+                         {"--force", "--ndjson", "a.eml"},
+                         {"--stage=beside", "--ndjson", "a.eml"}}) {
+    auto finished = command(arguments).folder(_folder.path()).run();
+    EXPECT_EQ(finished.complaints, "");
+    auto attributes = lines(finished.output).at(0).at("attributes");
+    EXPECT_EQ(attributes.at("kMDItemSubject"), "Hello");
+    EXPECT_EQ(attributes.at("kMDItemTextContent"), "Good morning\n");
+    EXPECT_EQ(_folder.count(), 1u);
+  }
+}
+
+TEST_F(ImportCommandTest, AnEmlxFileGoesStraightToTheMailImporter) {
+  _folder.write("1.emlx",
+                "28\nSubject: Hello\n\nGood morning\n<plist version=\"1.0\"><dict><key>flags"
+                "</key><integer>1</integer></dict></plist>\n");
+  auto finished = command({"--ndjson", "1.emlx"}).folder(_folder.path()).run();
+  ASSERT_EQ(finished.exitCode, 0) << finished.complaints;
+  auto attributes = lines(finished.output).at(0).at("attributes");
+  EXPECT_EQ(attributes.at("kMDItemSubject"), "Hello");
+  EXPECT_EQ(attributes.at("com_apple_mail_read"), true);
+}
+
+TEST_F(ImportCommandTest, AUsersImporterTakesTheTypesThatItDeclares) {
+  std::filesystem::create_directories(_folder / "data/ferncase/Library/Spotlight");
+  const std::string bundle = "data/ferncase/Library/Spotlight/Cards.mdimporter";
+  std::filesystem::copy(FERNCASE_BUNDLES_DIR "/LegacyOnly.mdimporter", _folder / bundle,
+                        std::filesystem::copy_options::recursive);
+  std::string info = _folder.read(bundle + "/Contents/Info.plist");
+  info.insert(info.rfind("</dict>"),
+              "<key>CFBundleDocumentTypes</key><array><dict><key>LSItemContentTypes</key>"
+              "<array><string>public.vcard</string></array></dict></array>");
+  _folder.write(bundle + "/Contents/Info.plist", info);
+  _folder.write("a.eml", kMessage);
+  _folder.write("b.vcf", "BEGIN:VCARD");
+  auto finished = command({"--ndjson", "b.vcf", "a.eml"})
+                      .folder(_folder.path())
+                      .variable("XDG_DATA_HOME=" + (_folder / "data").string())
+                      .run();
+  ASSERT_EQ(finished.exitCode, 0) << finished.complaints;
+  auto results = lines(finished.output);
+  EXPECT_EQ(results.at(0).at("attributes").at("LegacyContentType"), "public.vcard");
+  EXPECT_EQ(results.at(1).at("attributes").at("kMDItemSubject"), "Hello");
 }
 
 TEST_F(ImportCommandTest, AMissingMailImporterIsNamed) {
   _folder.write("a.eml", kMessage);
   std::filesystem::create_directories(_folder / "root");
-  auto finished = command({"--force", "--ndjson", "--importer", kImporter, "a.eml"})
+  auto finished = command({"--ndjson", "--importer", kImporter, "a.eml"})
                       .folder(_folder.path())
                       .variable("KBX_SYSTEM_ROOT=" + (_folder / "root").string())
                       .run();
@@ -236,9 +281,11 @@ TEST_F(ImportCommandTest, WithTheForceFlagTheMailImporterIsUsed) {
 
 TEST_F(ImportCommandTest, VerboseShowsTheLogOnStandardError) {
   _folder.write("a.eml", kMessage);
-  auto process = command({"-v", "--force", "--importer", kImporter, "a.eml"});
+  auto process = command({"-v", "--importer", kImporter, "a.eml"});
   auto finished = process.folder(_folder.path()).variable("KBX_SYSTEM_ROOT=/nowhere").run();
-  EXPECT_THAT(finished.complaints, HasSubstr("log: FerncaseSpotlightImporter error (null) for"));
+  EXPECT_THAT(finished.complaints,
+              HasSubstr("log: FerncaseSpotlightImporter error (null) for file " +
+                        (_folder / "a.eml").string() + "\n"));
   EXPECT_EQ(finished.output, "");
 }
 
@@ -287,7 +334,7 @@ TEST_F(ImportCommandTest, AClosedOutputIsReportedAndNoFileTakesItsPlace) {
 TEST_F(ImportCommandTest, WhatIsLeftBehindIsTheUsersAlone) {
   // A foreign exception leaves the copy that was made for the mail importer.
   _folder.write("a.eml", "Subject: x\nX-Test: throw\n\n");
-  auto finished = command({"--force", "--importer", kImporter, "a.eml"})
+  auto finished = command({"--stage=beside", "--importer", kImporter, "a.eml"})
                       .folder(_folder.path())
                       .variable("KBX_SYSTEM_ROOT=" FERNCASE_BUNDLES_DIR "/root")
                       .run();
@@ -297,6 +344,30 @@ TEST_F(ImportCommandTest, WhatIsLeftBehindIsTheUsersAlone) {
     if (entry.path().filename() == "a.eml") continue;
     using std::filesystem::perms;
     EXPECT_EQ(entry.status().permissions(), perms::owner_read | perms::owner_write);
+  }
+}
+
+TEST_F(ImportCommandTest, AStagedMessageLeavesNothingBehindAndIsNamedAsItIs) {
+  std::filesystem::create_directories(_folder / "mail");
+  std::filesystem::create_directories(_folder / "run");
+  for (auto test : {"none", "throw", "fail", "raise"}) {
+    SCOPED_TRACE(test);
+    _folder.write("mail/a.eml", "Subject: x\nX-Test: " + std::string(test) + "\n\nbody");
+    auto finished = command({"-v", "--ndjson", "--importer", kImporter, "mail/a.eml"})
+                        .folder(_folder.path())
+                        .variable("XDG_RUNTIME_DIR=" + (_folder / "run").string())
+                        .variable("KBX_SYSTEM_ROOT=" FERNCASE_BUNDLES_DIR "/root")
+                        .run();
+    EXPECT_THAT(finished.output + finished.complaints,
+                testing::Not(HasSubstr((_folder / "run").string())));
+    if (finished.exitCode == 0) {
+      EXPECT_THAT(
+          lines(finished.output).at(0).at("attributes").at("TestMailPath").get<std::string>(),
+          StartsWith((_folder / "mail/.temp-KBXEMLXFile-").string()));
+    }
+    EXPECT_TRUE(std::filesystem::is_empty(_folder / "run"));
+    EXPECT_EQ(_folder.count(), 2u);
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(_folder / "mail"), {}), 1);
   }
 }
 
@@ -350,6 +421,31 @@ TEST_F(RealMessagesTest, AllAreDeliveredAndTheirTextIsTheirBytes) {
     EXPECT_TRUE(textOf(result) == (isUTF8 ? bytes : guessedText(bytes))) << path;
   }
   EXPECT_EQ(exact, 182u);
+}
+
+/// The names and bytes of the files in a folder.
+std::map<std::string, std::string> filesIn(const std::filesystem::path& folder) {
+  std::map<std::string, std::string> files;
+  for (const auto& entry : std::filesystem::directory_iterator(folder))
+    files[entry.path().filename().string()] = bytesOf(entry.path().string());
+  return files;
+}
+
+TEST_F(RealMessagesTest, EveryMessageIsImportedAndItsFolderStaysAsItIs) {
+  const auto before = filesIn(messages());
+  auto [code, output, complaints] = command({"--ndjson", messages().string()}).run();
+  EXPECT_EQ(code, 0);
+  EXPECT_EQ(complaints, "");
+  auto results = lines(output);
+  EXPECT_EQ(results.size(), 200u);
+  for (const auto& result : results) {
+    const auto& attributes = result.at("attributes");
+    EXPECT_EQ(attributes.at("kMDItemKind"), "Mail Message");
+    EXPECT_TRUE(attributes.contains("kMDItemTextContent")) << result.at("path");
+  }
+  EXPECT_TRUE(filesIn(messages()) == before);
+  auto beside = command({"--stage=beside", "--ndjson", messages().string()}).run();
+  EXPECT_TRUE(beside.output == output) << "staging changed the answer";
 }
 
 TEST_F(RealMessagesTest, TheArrayIsValid) {

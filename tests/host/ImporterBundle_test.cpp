@@ -9,6 +9,8 @@
 namespace kbx {
 namespace {
 
+NSString* messageType() { return "com.apple.mail.email"_ns; }
+
 std::string attribute(NSDictionary* attributes, NSString* name) {
   return text(attributes->objectForKey(name));
 }
@@ -19,7 +21,7 @@ TEST(ImporterBundle, TheFirstFactoryWithAnInterfaceIsUsed) {
   ASSERT_TRUE(importer) << reason;
   TemporaryFolder folder;
   auto attributes = NSMutableDictionary::dictionary();
-  EXPECT_TRUE(importer->importFile(folder.write("a.eml", ""), attributes));
+  EXPECT_TRUE(importer->importFile(folder.write("a.eml", ""), messageType(), attributes));
   EXPECT_EQ(attribute(attributes, "kMDItemTextContent"_ns), "from the second factory");
 }
 
@@ -29,7 +31,7 @@ TEST(ImporterBundle, TheInterfaceForPathsServesWhereThereIsNoOther) {
   ASSERT_TRUE(importer) << reason;
   TemporaryFolder folder;
   auto attributes = NSMutableDictionary::dictionary();
-  EXPECT_TRUE(importer->importFile(folder.write("ä.eml", ""), attributes));
+  EXPECT_TRUE(importer->importFile(folder.write("ä.eml", ""), messageType(), attributes));
   EXPECT_EQ(attribute(attributes, "kMDItemTextContent"_ns), (folder / "ä.eml").string());
   EXPECT_EQ(attribute(attributes, "LegacyContentType"_ns), "com.apple.mail.email");
 }
@@ -41,7 +43,7 @@ TEST(ImporterBundle, TheInterfaceForPathsIsAskedForOnlyWhereThereIsNoOther) {
   ASSERT_TRUE(importer) << reason;
   TemporaryFolder folder;
   auto attributes = NSMutableDictionary::dictionary();
-  EXPECT_TRUE(importer->importFile(folder.write("a.eml", ""), attributes));
+  EXPECT_TRUE(importer->importFile(folder.write("a.eml", ""), messageType(), attributes));
   EXPECT_EQ(attribute(attributes, "kMDItemTextContent"_ns), " URL");
 }
 
@@ -67,7 +69,7 @@ TEST(ImporterBundle, TheDefaultsOfLoggingAreReadOnceHoweverManyFilesThereAre) {
   TemporaryFolder folder;
   auto file = folder.write("a.eml", "");
   for (int i = 0; i < 3; ++i)
-    EXPECT_TRUE(importer->importFile(file, NSMutableDictionary::dictionary()));
+    EXPECT_TRUE(importer->importFile(file, messageType(), NSMutableDictionary::dictionary()));
   EXPECT_EQ(preferences.asked, once);
 }
 
@@ -79,9 +81,9 @@ TEST(ImporterBundle, OneInstanceServesManyFiles) {
   ASSERT_TRUE(importer) << reason;
   TemporaryFolder folder;
   auto attributes = NSMutableDictionary::dictionary();
-  EXPECT_TRUE(importer->importFile(folder.write("a.eml", ""), attributes));
-  EXPECT_TRUE(importer->importFile(folder.write("b.eml", ""), attributes));
-  EXPECT_FALSE(importer->importFile(folder.write("c.eml", ""), attributes));
+  EXPECT_TRUE(importer->importFile(folder.write("a.eml", ""), messageType(), attributes));
+  EXPECT_TRUE(importer->importFile(folder.write("b.eml", ""), messageType(), attributes));
+  EXPECT_FALSE(importer->importFile(folder.write("c.eml", ""), messageType(), attributes));
 }
 
 TEST(ImporterBundle, ABundleWithoutAnImporterGivesNoneAndAReason) {

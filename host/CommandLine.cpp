@@ -6,6 +6,7 @@
 
 #include "host/DefaultsCommand.h"
 #include "host/ImportCommand.h"
+#include "host/ImportersCommand.h"
 #include "platform/preferences/NSUserDefaults.h"
 
 namespace kbx {
@@ -15,6 +16,7 @@ using MakeCommand = std::unique_ptr<Command> (*)();
 
 constexpr MakeCommand kCommands[] = {
     makeImportCommand,
+    makeImportersCommand,
     makeDefaultsCommand,
 };
 

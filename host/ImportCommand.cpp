@@ -3,11 +3,14 @@
 #include <CLI/CLI.hpp>
 #include <optional>
 
+#include "host/AttributeFilter.h"
 #include "host/FerncaseErrors.h"
 #include "host/ImportLog.h"
 #include "host/ImporterChoice.h"
 #include "host/InputFiles.h"
 #include "host/Interruption.h"
+#include "host/PathList.h"
+#include "host/RawValues.h"
 #include "host/Results.h"
 #include "host/StandardInput.h"
 #include "platform/files/FileNames.h"
@@ -20,6 +23,12 @@ constexpr char kDefaultImporter[] = "/Library/Spotlight/FerncaseSpotlightImporte
 struct Options {
   std::optional<std::string> importer;  // absent for those that are installed
   std::string staging = "private";
+  std::string pathList;  // empty for none
+  AttributeFilter filter;
+  std::string nullMarker = "(null)";
+  bool hidesText = false;
+  bool isBare = false;
+  bool isNulSeparated = false;
   bool isJSON = false;
   bool isLines = false;
   bool isForced = false;
@@ -30,8 +39,9 @@ struct Options {
 /// The results of one command line, one input after the other.
 class ImportRun {
  public:
-  ImportRun(ImporterChoice& importers, Results& results, Diagnostics& diagnostics)
-      : _importers(importers), _results(results), _diagnostics(diagnostics) {}
+  ImportRun(ImporterChoice& importers, const AttributeFilter& filter, Results& results,
+            Diagnostics& diagnostics)
+      : _importers(importers), _filter(filter), _results(results), _diagnostics(diagnostics) {}
 
   void importInput(const Input& input);
   ExitCode exitCode() const {
@@ -43,6 +53,7 @@ class ImportRun {
   Ref<NSDictionary> attributesOf(const Input& input, Ref<NSError>* error);
 
   ImporterChoice& _importers;
+  const AttributeFilter& _filter;
   Results& _results;
   Diagnostics& _diagnostics;
   bool _hasDelivered = false;
@@ -54,7 +65,7 @@ void ImportRun::importInput(const Input& input) {
   Ref<NSDictionary> attributes = error ? nullptr : attributesOf(input, &error);
   if (attributes) {
     _hasDelivered = true;
-    _results.delivered(input.path, attributes);
+    _results.delivered(input.path, _filter.wantedOf(attributes));
   } else {
     _hasFailures = true;
     _results.failed(input.path, error);
@@ -88,6 +99,7 @@ class ImportCommand final : public Command {
  private:
   void checkUsage(const std::vector<std::string>& operands) const;
   std::unique_ptr<Results> makeResults(Output& output, bool hasSeveral) const;
+  bool addListedPaths(std::vector<std::string>& operands, Diagnostics& diagnostics) const;
   ImporterChoice makeChoice(Staging* staging) const;
   ExitCode importAll(ImporterChoice& importers, std::vector<std::string> operands,
                      Console& console) const;
@@ -119,14 +131,31 @@ void ImportCommand::declareOptions(CLI::App& options) {
                   "Where the mail importer's copy of a message is made: \"private\", in a folder "
                   "of this run, or \"beside\" the message")
       ->type_name("PLACE");
+  options.add_option("--name", _options.filter.names, "Print only this attribute; may be repeated")
+      ->type_name("ATTRIBUTE")
+      ->allow_extra_args(false);
+  options.add_flag("--raw", _options.isBare, "Print the bare values of --name, a NUL behind each");
+  options
+      .add_option("--null-marker", _options.nullMarker,
+                  "What --raw prints for an attribute that a file has not")
+      ->type_name("TEXT");
+  options.add_flag("--no-text", _options.hidesText, "Leave the body out, as text and as HTML");
+  options.add_flag("--extra", _options.filter.showsExtra,
+                   "Print what is known about a message beyond the common attributes");
+  options.add_option("--files-from", _options.pathList, "Read paths from a file, or - for input")
+      ->type_name("FILE");
+  options.add_flag("-0", _options.isNulSeparated, "Each path of --files-from ends in a NUL");
   options.add_flag("-v,--verbose", _options.isVerbose,
                    "Print what the importer logs to standard error");
 }
 
 void ImportCommand::checkUsage(const std::vector<std::string>& operands) const {
-  if (operands.empty()) throw UsageError("import needs a PATH");
+  if (operands.empty() && _options.pathList.empty()) throw UsageError("import needs a PATH");
   if (_options.isJSON && _options.isLines)
     throw UsageError("--json and --ndjson exclude each other");
+  if (_options.isBare && (_options.isJSON || _options.isLines))
+    throw UsageError("--raw excludes --json and --ndjson");
+  if (_options.isBare && _options.filter.names.empty()) throw UsageError("--raw needs --name");
   if (_options.isForced && _options.isRaw)
     throw UsageError("--force and --raw-fallback exclude each other");
   if (_options.staging != "private" && _options.staging != "beside")
@@ -138,7 +167,18 @@ void ImportCommand::checkUsage(const std::vector<std::string>& operands) const {
 std::unique_ptr<Results> ImportCommand::makeResults(Output& output, bool hasSeveral) const {
   if (_options.isJSON) return makeJSONResults(output);
   if (_options.isLines) return makeLineResults(output);
+  if (_options.isBare) return makeRawValues(output, _options.filter.names, _options.nullMarker);
   return makeTextResults(output, hasSeveral);
+}
+
+bool ImportCommand::addListedPaths(std::vector<std::string>& operands,
+                                   Diagnostics& diagnostics) const {
+  if (_options.pathList.empty()) return true;
+  Ref<NSError> error;
+  if (addPathsFrom(_options.pathList, _options.isNulSeparated ? '\0' : '\n', operands, &error))
+    return true;
+  diagnostics.failure(_options.pathList, error->localizedDescription());
+  return false;
 }
 
 ImporterChoice ImportCommand::makeChoice(Staging* staging) const {
@@ -149,9 +189,11 @@ ImporterChoice ImportCommand::makeChoice(Staging* staging) const {
 
 ExitCode ImportCommand::run(std::vector<std::string> operands, Console& console) {
   checkUsage(operands);
+  _options.filter.showsText = !_options.hidesText;
   ImportLog log(_options.isVerbose ? &console.diagnostics : nullptr);
   const ScopedService<ClassicLog> installed(log);
   const Interruption noted;
+  if (!addListedPaths(operands, console.diagnostics)) return kNoneDelivered;
   std::optional<Staging> staging;  // only the mail importer's copies are worth one
   if (!_options.isRaw && _options.staging == "private") staging.emplace();
   ImporterChoice importers = makeChoice(staging ? &*staging : nullptr);
@@ -164,12 +206,12 @@ ExitCode ImportCommand::run(std::vector<std::string> operands, Console& console)
 
 ExitCode ImportCommand::importAll(ImporterChoice& importers, std::vector<std::string> operands,
                                   Console& console) const {
-  const bool isNamedAlone = operands.size() == 1;
+  const bool isNamedAlone = operands.size() == 1 && _options.pathList.empty();
   InputFiles inputs(std::move(operands));
   // The text form is another for one file than for several, so one is looked at ahead.
   std::optional<Input> input = inputs.next(), following = inputs.next();
   auto results = makeResults(console.output, !isNamedAlone || following);
-  ImportRun run(importers, *results, console.diagnostics);
+  ImportRun run(importers, _options.filter, *results, console.diagnostics);
   results->begin();
   for (; input && !Interruption::isWished(); input = std::exchange(following, inputs.next())) {
     run.importInput(*input);

@@ -90,6 +90,10 @@ TEST(CommandLine, WrongUsageIsToldWithAHint) {
         {{"import", "--force", "--raw-fallback", "a"},
          "--force and --raw-fallback exclude each other",
          "import --help"},
+        {{"import", "--raw", "a"}, "--raw needs --name", "import --help"},
+        {{"import", "--raw", "--name", "x", "--json", "a"},
+         "--raw excludes --json and --ndjson",
+         "import --help"},
         {{"import", "--stage=nowhere", "a"}, "--stage is private or beside", "import --help"}}) {
     auto answer = run(arguments);
     EXPECT_EQ(answer.code, kMisused);

@@ -249,6 +249,48 @@ TEST_F(ImportCommandTest, AUsersImporterTakesTheTypesThatItDeclares) {
   EXPECT_EQ(results.at(1).at("attributes").at("kMDItemSubject"), "Hello");
 }
 
+TEST_F(ImportCommandTest, ExtraAttributesAreShownWhenAskedFor) {
+  _folder.write("a.eml", kMessage);
+  auto attributes = [&](std::vector<std::string> options) {
+    options.insert(options.end(), {"--ndjson", "a.eml"});
+    auto finished = command(std::move(options)).folder(_folder.path()).run();
+    return lines(finished.output).at(0).at("attributes");
+  };
+  EXPECT_FALSE(attributes({}).contains("org_ferncase_mail_size"));
+  EXPECT_EQ(attributes({"--extra"}).at("org_ferncase_mail_size"), sizeof kMessage - 1);
+  EXPECT_FALSE(attributes({"--no-text"}).contains("kMDItemTextContent"));
+  EXPECT_EQ(attributes({"--name", "kMDItemSubject", "--name=kMDItemKind"}),
+            json({{"kMDItemSubject", "Hello"}, {"kMDItemKind", "Mail Message"}}));
+}
+
+TEST_F(ImportCommandTest, BareValuesAreForOtherPrograms) {
+  _folder.write("a.eml", kMessage);
+  auto finished = command({"--raw", "--name", "kMDItemSubject", "a.eml", "gone.eml", "--name", "x",
+                           "--null-marker", "-"})
+                      .folder(_folder.path())
+                      .run();
+  EXPECT_EQ(finished.exitCode, 3);
+  EXPECT_EQ(finished.output, std::string("Hello\0-\0-\0-\0", 12));
+}
+
+TEST_F(ImportCommandTest, PathsCanBeListedInAFileOrOnStandardInput) {
+  for (auto name : {"a.eml", "b\nb.eml", "c.eml"}) _folder.write(name, name);
+  _folder.write("list", "a.eml\nc.eml");
+  auto results = runLines({"--files-from", "list", "b\nb.eml"});
+  ASSERT_EQ(results.size(), 3u);
+  EXPECT_EQ(textOf(results[0]), "b\nb.eml");
+  EXPECT_EQ(textOf(results[2]), "c.eml");
+  auto finished = command({"--raw-fallback", "--ndjson", "-0", "--files-from", "-"})
+                      .folder(_folder.path())
+                      .input(std::string("b\nb.eml\0a.eml\0", 14))
+                      .run();
+  EXPECT_EQ(textOf(lines(finished.output).at(0)), "b\nb.eml");
+  EXPECT_EQ(textOf(lines(finished.output).at(1)), "a.eml");
+  finished = run({"--files-from", "gone"});
+  EXPECT_EQ(finished.exitCode, 4);
+  EXPECT_THAT(finished.complaints, StartsWith("ferncase: gone: "));
+}
+
 TEST_F(ImportCommandTest, AMissingMailImporterIsNamed) {
   _folder.write("a.eml", kMessage);
   std::filesystem::create_directories(_folder / "root");

@@ -6,8 +6,11 @@
 #include "platform/archives/NSKeyedUnarchiver.h"
 #include "platform/objects/NSError.h"
 
-// An archive may hold what holds itself, which never dies.
-extern "C" const char* __asan_default_options() { return "detect_leaks=0"; }
+// An archive may hold what holds itself, which never dies. Visible, because g++ keeps the sanitizer
+// that asks in a library of its own.
+extern "C" __attribute__((visibility("default"))) const char* __asan_default_options() {
+  return "detect_leaks=0";
+}
 
 namespace kbx {
 namespace {

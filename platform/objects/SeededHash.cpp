@@ -67,12 +67,17 @@ std::uint64_t sipHash(std::string_view bytes, HashKey key) noexcept {
 
 std::uint64_t seededHash(std::string_view bytes) noexcept { return sipHash(bytes, processKey()); }
 
-std::uint64_t scatteredHash(std::uint64_t hash) noexcept {
-  const HashKey& key = processKey();
-  // Odd factors lose no bit. The step between brings the upper bits down to where the second
-  // product carries them up again.
+std::uint64_t scatteredHash(std::uint64_t hash, HashKey key) noexcept {
+  // Odd factors lose no bit. Between two of them the upper bits come down to where the next product
+  // carries them up again. A product spaces values in a row evenly, with a poor factor onto a few
+  // places only; two keyed ones and a last one that is known to be a good one mix them.
   hash = (hash ^ key.first) * (key.second | 1);
-  return (hash ^ hash >> 32) * (key.first | 1);
+  hash = (hash ^ hash >> 32) * (key.first | 1);
+  return (hash ^ hash >> 29) * 0x9E3779B97F4A7C15;
+}
+
+std::uint64_t scatteredHash(std::uint64_t hash) noexcept {
+  return scatteredHash(hash, processKey());
 }
 
 }  // namespace kbx

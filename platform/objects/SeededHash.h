@@ -28,8 +28,11 @@ struct SeededHash {
   std::size_t operator()(std::string_view bytes) const noexcept { return seededHash(bytes); }
 };
 
-/// A word with the bits of another one scattered over it by the process's key, one to one. The
-/// upper bits are the better ones. For hashes that are the values themselves, such as those of
+/// A word with the bits of another one scattered over it by the key, one to one. The upper bits are
+/// the better ones.
+KBX_PLATFORM std::uint64_t scatteredHash(std::uint64_t hash, HashKey key) noexcept;
+
+/// The same under the process's key. For hashes that are the values themselves, such as those of
 /// numbers: a stranger could choose values that a fixed rule would put side by side.
 KBX_PLATFORM std::uint64_t scatteredHash(std::uint64_t hash) noexcept;
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <numeric>
 #include <set>
@@ -51,20 +52,33 @@ TEST(SeededHash, TheProcessHasAKeyOfItsOwn) {
 
 /// The number of table places, of 2^18, where the search for one of the values begins.
 template <class ValueAt>
-std::size_t placesOf(ValueAt valueAt) {
-  std::set<std::uint64_t> places;
-  for (std::size_t i = 0; i < kMany; ++i) places.insert(scatteredHash(valueAt(i)) >> 46);
-  return places.size();
+std::size_t placesOf(ValueAt valueAt, HashKey key) {
+  std::vector<bool> isHit(1U << 18);
+  for (std::size_t i = 0; i < kMany; ++i) isHit[scatteredHash(valueAt(i), key) >> 46] = true;
+  return static_cast<std::size_t>(std::count(isHit.begin(), isHit.end(), true));
 }
 
-TEST(SeededHash, ChosenValuesAreScattered) {
+/// A key that is the same in each run.
+HashKey numberedKey(std::uint64_t number) {
+  return {sipHash(std::to_string(number), {}), sipHash(std::to_string(number), {1, 1})};
+}
+
+TEST(SeededHash, ChosenValuesAreScatteredUnderEachKey) {
   // By chance 83,000 places are hit.
   constexpr std::uint64_t kInverse = 0xF1DE83E19937733D;  // of 0x9E3779B97F4A7C15, a usual factor
   static_assert(kInverse * 0x9E3779B97F4A7C15 == 1);
-  EXPECT_GT(placesOf([](std::uint64_t i) { return i * kInverse; }), 70'000U);
-  EXPECT_GT(placesOf([](std::uint64_t i) { return i; }), 70'000U);
-  EXPECT_GT(placesOf([](std::uint64_t i) { return i << 47; }), 70'000U);
-  EXPECT_GT(placesOf([](std::uint64_t i) { return i << 20 | 0xABCDE; }), 70'000U);
+  for (std::uint64_t number = 0; number < 30; ++number) {
+    const HashKey key = numberedKey(number);
+    EXPECT_GT(placesOf([](std::uint64_t i) { return i * kInverse; }, key), 82'000U) << number;
+    EXPECT_GT(placesOf([](std::uint64_t i) { return i; }, key), 82'000U) << number;
+    EXPECT_GT(placesOf([](std::uint64_t i) { return i << 47; }, key), 82'000U) << number;
+    EXPECT_GT(placesOf([](std::uint64_t i) { return i << 20 | 0xABCDE; }, key), 82'000U) << number;
+  }
+}
+
+TEST(SeededHash, TheProcessScattersByAKeyOfItsOwn) {
+  EXPECT_EQ(scatteredHash(1), scatteredHash(1));
+  EXPECT_NE(scatteredHash(1), scatteredHash(1, {}));
 }
 
 // Keys that a well-known hash without a secret, that of a standard library, cannot tell apart. Each

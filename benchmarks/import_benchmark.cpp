@@ -14,8 +14,8 @@
 #include <string_view>
 
 #include "KBXEMLXFile.h"
-#include "host/Output.h"
-#include "host/Results.h"
+#include "host/console/Output.h"
+#include "host/results/Results.h"
 #include "platform/files/NSURL.h"
 #include "platform/objects/NSDictionary.h"
 #include "platform/objects/NSString.h"

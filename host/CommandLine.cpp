@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <memory>
 
-#include "host/DefaultsCommand.h"
-#include "host/ImportCommand.h"
-#include "host/ImportersCommand.h"
+#include "host/defaults/DefaultsCommand.h"
+#include "host/import/ImportCommand.h"
+#include "host/import/ImportersCommand.h"
 #include "platform/preferences/NSUserDefaults.h"
 
 namespace kbx {

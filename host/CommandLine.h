@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "host/Command.h"
+#include "host/console/Command.h"
 
 namespace kbx {
 

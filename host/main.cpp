@@ -3,9 +3,9 @@
 #include <exception>
 
 #include "host/CommandLine.h"
-#include "host/Interruption.h"
-#include "host/PrivateFiles.h"
-#include "host/StandardStreams.h"
+#include "host/console/Interruption.h"
+#include "host/console/StandardStreams.h"
+#include "host/import/PrivateFiles.h"
 #include "platform/objects/NSError.h"
 
 namespace {

@@ -1,9 +1,9 @@
-#include "host/AttributeFilter.h"
+#include "host/results/AttributeFilter.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "host/Attributes.h"
+#include "host/results/Attributes.h"
 #include "tests/support/Text.h"
 
 namespace kbx {

@@ -1,4 +1,4 @@
-#include "host/AttributeText.h"
+#include "host/results/AttributeText.h"
 
 #include <gtest/gtest.h>
 

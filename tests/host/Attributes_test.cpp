@@ -1,4 +1,4 @@
-#include "host/Attributes.h"
+#include "host/results/Attributes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/DateText.h"
+#include "host/results/DateText.h"
 
 #include <gtest/gtest.h>
 

@@ -1,5 +1,5 @@
 // The whole command as a user runs it, on files of the test's own.
-#include "host/DefaultsCommand.h"
+#include "host/defaults/DefaultsCommand.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

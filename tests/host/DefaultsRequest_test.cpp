@@ -1,8 +1,8 @@
-#include "host/DefaultsRequest.h"
+#include "host/defaults/DefaultsRequest.h"
 
-#include "host/Command.h"
-#include "host/Output.h"
-#include "host/ValueText.h"
+#include "host/console/Command.h"
+#include "host/console/Output.h"
+#include "host/defaults/ValueText.h"
 #include "tests/support/Text.h"
 
 namespace kbx {

@@ -1,4 +1,4 @@
-#include "host/Diagnostics.h"
+#include "host/console/Diagnostics.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/Escaping.h"
+#include "host/console/Escaping.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/FileImporter.h"
+#include "host/import/FileImporter.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
@@ -8,7 +8,7 @@
 #include <new>
 #include <stdexcept>
 
-#include "host/ImportLog.h"
+#include "host/import/ImportLog.h"
 #include "platform/objects/NSNumber.h"
 #include "tests/support/FailingFiles.h"
 #include "tests/support/FakeEnvironment.h"

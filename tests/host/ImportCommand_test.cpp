@@ -1,5 +1,5 @@
 // The whole command as a user runs it, with the importer that the build made.
-#include "host/ImportCommand.h"
+#include "host/import/ImportCommand.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "host/ImportErrors.h"
+#include "host/import/ImportErrors.h"
 
 #include <gtest/gtest.h>
 

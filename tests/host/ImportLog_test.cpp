@@ -1,4 +1,4 @@
-#include "host/ImportLog.h"
+#include "host/import/ImportLog.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/ImporterBundle.h"
+#include "host/import/ImporterBundle.h"
 
 #include <gtest/gtest.h>
 

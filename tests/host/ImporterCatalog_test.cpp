@@ -1,4 +1,4 @@
-#include "host/ImporterCatalog.h"
+#include "host/import/ImporterCatalog.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "host/ImporterChoice.h"
+#include "host/import/ImporterChoice.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

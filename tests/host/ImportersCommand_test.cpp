@@ -1,4 +1,4 @@
-#include "host/ImportersCommand.h"
+#include "host/import/ImportersCommand.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/InputFiles.h"
+#include "host/import/InputFiles.h"
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
@@ -6,7 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "host/FerncaseErrors.h"
+#include "host/console/FerncaseErrors.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Text.h"
 

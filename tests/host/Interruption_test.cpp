@@ -1,4 +1,4 @@
-#include "host/Interruption.h"
+#include "host/console/Interruption.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/JSONWriter.h"
+#include "host/results/JSONWriter.h"
 
 #include <gtest/gtest.h>
 

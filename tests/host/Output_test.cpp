@@ -1,4 +1,4 @@
-#include "host/Output.h"
+#include "host/console/Output.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "host/PathList.h"
+#include "host/import/PathList.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,8 +1,8 @@
-#include "host/RawValues.h"
+#include "host/results/RawValues.h"
 
 #include <gtest/gtest.h>
 
-#include "host/FerncaseErrors.h"
+#include "host/console/FerncaseErrors.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSNumber.h"
 #include "tests/support/Text.h"

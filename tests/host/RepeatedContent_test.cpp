@@ -1,4 +1,4 @@
-#include "host/RepeatedContent.h"
+#include "host/results/RepeatedContent.h"
 
 #include <gtest/gtest.h>
 

@@ -1,10 +1,10 @@
-#include "host/Results.h"
+#include "host/results/Results.h"
 
 #include <gtest/gtest.h>
 
 #include <nlohmann/json.hpp>
 
-#include "host/FerncaseErrors.h"
+#include "host/console/FerncaseErrors.h"
 #include "tests/support/Text.h"
 
 namespace kbx {

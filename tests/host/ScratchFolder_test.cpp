@@ -1,4 +1,4 @@
-#include "host/ScratchFolder.h"
+#include "host/import/ScratchFolder.h"
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>

@@ -1,9 +1,9 @@
-#include "host/Staging.h"
+#include "host/import/Staging.h"
 
 #include <gtest/gtest.h>
 
-#include "host/FerncaseErrors.h"
-#include "host/FileImporter.h"
+#include "host/console/FerncaseErrors.h"
+#include "host/import/FileImporter.h"
 #include "tests/support/FakeEnvironment.h"
 #include "tests/support/FakeImporter.h"
 #include "tests/support/Text.h"

@@ -1,4 +1,4 @@
-#include "host/StandardInput.h"
+#include "host/import/StandardInput.h"
 
 #include <gtest/gtest.h>
 

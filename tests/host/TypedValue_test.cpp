@@ -1,6 +1,6 @@
-#include "host/TypedValue.h"
+#include "host/defaults/TypedValue.h"
 
-#include "host/Command.h"
+#include "host/console/Command.h"
 #include "tests/support/PropertyLists.h"
 
 namespace kbx {

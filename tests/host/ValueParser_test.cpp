@@ -1,4 +1,4 @@
-#include "host/ValueParser.h"
+#include "host/defaults/ValueParser.h"
 
 #include "tests/support/PropertyLists.h"
 

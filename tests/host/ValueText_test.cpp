@@ -1,8 +1,8 @@
-#include "host/ValueText.h"
+#include "host/defaults/ValueText.h"
 
 #include <algorithm>
 
-#include "host/ValueParser.h"
+#include "host/defaults/ValueParser.h"
 #include "tests/support/Nesting.h"
 #include "tests/support/PropertyLists.h"
 

@@ -1,4 +1,4 @@
-#include "host/ValueWords.h"
+#include "host/defaults/ValueWords.h"
 
 #include <limits>
 

@@ -1,0 +1,102 @@
+#include "host/import/FileImporter.h"
+
+#include <exception>
+#include <new>
+#include <optional>
+#include <string>
+
+#include "host/console/FerncaseErrors.h"
+#include "host/import/ImportErrors.h"
+#include "platform/files/ReadableFile.h"
+#include "platform/objects/NSData.h"
+#include "platform/objects/NSNumber.h"
+#include "platform/plugins/Bridge.h"
+#include "platform/plugins/PlugInServices.h"
+#include "platform/resources/TypeIdentifiers.h"
+#include "platform/system/SystemRoot.h"
+
+namespace kbx {
+namespace {
+
+/// What a caller puts into the attributes to have the mail importer used wherever it runs.
+NSString* forceKey() { return "FoxTrot"_ns; }
+
+/// In bytes. Importers answer an unreadable file with an empty text, so the host looks first.
+std::optional<std::uint64_t> readableSize(NSURL* file, Ref<NSError>* error) {
+  const ReadableFile readable(file, error);
+  return readable.isOpen() ? std::optional(readable.size()) : std::nullopt;
+}
+
+/// And last: what can be opened may yet fail while it is read.
+bool canBeRead(NSURL* file, Ref<NSError>* error) {
+  return NSData::dataWithContentsOfURL(file, NSDataReadingNone, error) != nullptr;
+}
+
+bool hasEmptyText(NSDictionary* attributes) {
+  auto* text = cast<NSString>(attributes->objectForKey(fromCF(kMDItemTextContent)));
+  return text && text->length() == 0;
+}
+
+/// Empty when nothing failed. The importer keeps the loader's reason to itself.
+std::string mailImporterReason() {
+  constexpr std::string_view kBundle = "/System/Library/Spotlight/Mail.mdimporter";
+  auto bundle = NSURL::fileURLWithFileSystemRepresentation(kBundle, true);
+  std::string reason = PlugInServices::current().failureReason(bundle);
+  if (reason.empty()) return {};
+  return "The mail importer " + pathBelowSystemRoot(kBundle) + " can’t be loaded: " + reason;
+}
+
+}  // namespace
+
+Ref<NSString> contentTypeOf(NSURL* file) {
+  std::string_view path = file->fileSystemRepresentation();
+  return typeIdentifier(path.substr(path.rfind('/') + 1), false);
+}
+
+Ref<NSDictionary> FileImporter::attributesOfFile(NSURL* file, Ref<NSError>* error) {
+  const auto size = readableSize(file, error);
+  if (!size) return nullptr;
+  Ref<NSMutableDictionary> attributes;
+  if (_staging) {
+    attributes = stagedAttributes(file, *size, error);
+  } else {
+    ImportLog::Recording recording;
+    attributes = import(file, file, recording, error);
+  }
+  const bool isDoubtful = attributes && !_usesMailImporter && hasEmptyText(attributes);
+  return isDoubtful && !canBeRead(file, error) ? nullptr : attributes;
+}
+
+Ref<NSMutableDictionary> FileImporter::stagedAttributes(NSURL* file, std::uint64_t size,
+                                                        Ref<NSError>* error) {
+  const StagedMessage staged(_staging->folderForSize(size), file, error);
+  if (!staged.url()) return nullptr;
+  ImportLog::Recording recording;
+  recording.replacePath(staged.folder(), staged.originalFolder());
+  auto attributes = import(file, staged.url(), recording, error);
+  if (attributes) staged.restorePaths(attributes);
+  return attributes;
+}
+
+Ref<NSMutableDictionary> FileImporter::import(NSURL* file, NSURL* place,
+                                              const ImportLog::Recording& recording,
+                                              Ref<NSError>* error) {
+  auto attributes = NSMutableDictionary::dictionary();
+  if (_usesMailImporter) attributes->setObjectForKey(NSNumber::numberWithBool(true), forceKey());
+  try {
+    if (_importer.importFile(place, contentTypeOf(file), attributes)) {
+      attributes->removeObjectForKey(forceKey());
+      return attributes;
+    }
+    *error = importError(recording.lines(), _usesMailImporter ? mailImporterReason() : "");
+  } catch (const std::bad_alloc&) {
+    *error =
+        ferncaseError(FerncaseImportFailedError, "The importer failed: there isn’t enough memory.");
+  } catch (const std::exception& exception) {
+    *error = ferncaseError(FerncaseImportFailedError,
+                           std::string("The importer failed: ") + exception.what());
+  }
+  return nullptr;
+}
+
+}  // namespace kbx

@@ -1,0 +1,228 @@
+#include "host/import/ImportCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <optional>
+
+#include "host/console/FerncaseErrors.h"
+#include "host/console/Interruption.h"
+#include "host/import/ImportLog.h"
+#include "host/import/ImporterChoice.h"
+#include "host/import/InputFiles.h"
+#include "host/import/PathList.h"
+#include "host/import/StandardInput.h"
+#include "host/results/AttributeFilter.h"
+#include "host/results/RawValues.h"
+#include "host/results/Results.h"
+#include "platform/files/FileNames.h"
+
+namespace kbx {
+namespace {
+
+constexpr char kDefaultImporter[] = "/Library/Spotlight/FerncaseSpotlightImporter.mdimporter";
+
+struct Options {
+  std::optional<std::string> importer;  // absent for those that are installed
+  std::string staging = "private";
+  std::string pathList;  // empty for none
+  AttributeFilter filter;
+  std::string nullMarker = "(null)";
+  bool hidesText = false;
+  bool isBare = false;
+  bool isNulSeparated = false;
+  bool isJSON = false;
+  bool isLines = false;
+  bool isForced = false;
+  bool isRaw = false;
+  bool isVerbose = false;
+};
+
+/// The results of one command line, one input after the other.
+class ImportRun {
+ public:
+  ImportRun(ImporterChoice& importers, const AttributeFilter& filter, Results& results,
+            Diagnostics& diagnostics)
+      : _importers(importers), _filter(filter), _results(results), _diagnostics(diagnostics) {}
+
+  void importInput(const Input& input);
+  ExitCode exitCode() const {
+    if (!_hasFailures) return kDone;
+    return _hasDelivered ? kSomeFailed : kNoneDelivered;
+  }
+
+ private:
+  Ref<NSDictionary> attributesOf(const Input& input, Ref<NSError>* error);
+
+  ImporterChoice& _importers;
+  const AttributeFilter& _filter;
+  Results& _results;
+  Diagnostics& _diagnostics;
+  bool _hasDelivered = false;
+  bool _hasFailures = false;
+};
+
+void ImportRun::importInput(const Input& input) {
+  Ref<NSError> error = input.error;
+  Ref<NSDictionary> attributes = error ? nullptr : attributesOf(input, &error);
+  if (attributes) {
+    _hasDelivered = true;
+    _results.delivered(input.path, _filter.wantedOf(attributes));
+  } else {
+    _hasFailures = true;
+    _results.failed(input.path, error);
+    _diagnostics.failure(input.path, error->localizedDescription());
+  }
+}
+
+Ref<NSDictionary> ImportRun::attributesOf(const Input& input, Ref<NSError>* error) {
+  if (input.path == kStandardInputName) {
+    const StandardInput copy(error);
+    return copy.url() ? _importers.attributesOfFile(copy.url(), error) : nullptr;
+  }
+  auto url = NSURL::fileURLWithFileSystemRepresentation(input.path, false);
+  if (url) return _importers.attributesOfFile(url, error);
+  *error = ferncaseError(FerncaseImpossiblePathError, "No file can have this path.");
+  return nullptr;
+}
+
+class ImportCommand final : public Command {
+ public:
+  std::string_view name() const override { return "import"; }
+  std::string_view summary() const override {
+    return "Print the attributes of messages and of all messages in folders.";
+  }
+  std::string_view operands() const override { return "PATH..."; }
+  std::string_view notes() const override;
+  bool takesDefaults() const override { return true; }
+  void declareOptions(CLI::App& options) override;
+  ExitCode run(std::vector<std::string> operands, Console& console) override;
+
+ private:
+  void checkUsage(const std::vector<std::string>& operands) const;
+  std::unique_ptr<Results> makeResults(Output& output, bool hasSeveral) const;
+  bool addListedPaths(std::vector<std::string>& operands, Diagnostics& diagnostics) const;
+  ImporterChoice makeChoice(Staging* staging) const;
+  ExitCode importAll(ImporterChoice& importers, std::vector<std::string> operands,
+                     Console& console) const;
+
+  Options _options;
+};
+
+std::string_view ImportCommand::notes() const {
+  return "A folder stands for the .eml files in it and in the folders inside it. - reads a "
+         "message\n"
+         "from standard input. -- ends the options.\n"
+         "\n"
+         "-Key VALUE sets one of the user's defaults for this run.\n"
+         "\n"
+         "Exit codes: 0 done, 1 output cannot be written, 2 wrong usage, 3 some inputs failed,\n"
+         "4 none was delivered.";
+}
+
+void ImportCommand::declareOptions(CLI::App& options) {
+  options.add_option("--importer", _options.importer, "The importer bundle to ask for every file")
+      ->type_name("BUNDLE");
+  options.add_flag("--json", _options.isJSON, "Print one JSON array");
+  options.add_flag("--ndjson", _options.isLines, "Print one JSON object a line, at once");
+  options.add_flag("--raw-fallback", _options.isRaw,
+                   "Let the importer answer with the raw text of a message");
+  options.add_flag("--force", _options.isForced, "Use the mail importer (the default)");
+  options
+      .add_option("--stage", _options.staging,
+                  "Where the mail importer's copy of a message is made: \"private\", in a folder "
+                  "of this run, or \"beside\" the message")
+      ->type_name("PLACE");
+  options.add_option("--name", _options.filter.names, "Print only this attribute; may be repeated")
+      ->type_name("ATTRIBUTE")
+      ->allow_extra_args(false);
+  options.add_flag("--raw", _options.isBare, "Print the bare values of --name, a NUL behind each");
+  options
+      .add_option("--null-marker", _options.nullMarker,
+                  "What --raw prints for an attribute that a file has not")
+      ->type_name("TEXT");
+  options.add_flag("--no-text", _options.hidesText, "Leave the body out, as text and as HTML");
+  options.add_flag("--extra", _options.filter.showsExtra,
+                   "Print what is known about a message beyond the common attributes");
+  options.add_option("--files-from", _options.pathList, "Read paths from a file, or - for input")
+      ->type_name("FILE");
+  options.add_flag("-0", _options.isNulSeparated, "Each path of --files-from ends in a NUL");
+  options.add_flag("-v,--verbose", _options.isVerbose,
+                   "Print what the importer logs to standard error");
+}
+
+void ImportCommand::checkUsage(const std::vector<std::string>& operands) const {
+  if (operands.empty() && _options.pathList.empty()) throw UsageError("import needs a PATH");
+  if (_options.isJSON && _options.isLines)
+    throw UsageError("--json and --ndjson exclude each other");
+  if (_options.isBare && (_options.isJSON || _options.isLines))
+    throw UsageError("--raw excludes --json and --ndjson");
+  if (_options.isBare && _options.filter.names.empty()) throw UsageError("--raw needs --name");
+  if (_options.isForced && _options.isRaw)
+    throw UsageError("--force and --raw-fallback exclude each other");
+  if (_options.staging != "private" && _options.staging != "beside")
+    throw UsageError("--stage is private or beside");
+  if (_options.importer && _options.importer->empty())
+    throw UsageError("--importer needs a BUNDLE");
+}
+
+std::unique_ptr<Results> ImportCommand::makeResults(Output& output, bool hasSeveral) const {
+  if (_options.isJSON) return makeJSONResults(output);
+  if (_options.isLines) return makeLineResults(output);
+  if (_options.isBare) return makeRawValues(output, _options.filter.names, _options.nullMarker);
+  return makeTextResults(output, hasSeveral);
+}
+
+bool ImportCommand::addListedPaths(std::vector<std::string>& operands,
+                                   Diagnostics& diagnostics) const {
+  if (_options.pathList.empty()) return true;
+  Ref<NSError> error;
+  if (addPathsFrom(_options.pathList, _options.isNulSeparated ? '\0' : '\n', operands, &error))
+    return true;
+  diagnostics.failure(_options.pathList, error->localizedDescription());
+  return false;
+}
+
+ImporterChoice ImportCommand::makeChoice(Staging* staging) const {
+  const ImporterChoice::Messages messages{!_options.isRaw, staging};
+  if (_options.importer) return {{}, *_options.importer, messages};
+  return {installedImporters(), kDefaultImporter, messages};
+}
+
+ExitCode ImportCommand::run(std::vector<std::string> operands, Console& console) {
+  checkUsage(operands);
+  _options.filter.showsText = !_options.hidesText;
+  ImportLog log(_options.isVerbose ? &console.diagnostics : nullptr);
+  const ScopedService<ClassicLog> installed(log);
+  const Interruption noted;
+  if (!addListedPaths(operands, console.diagnostics)) return kNoneDelivered;
+  std::optional<Staging> staging;  // only the mail importer's copies are worth one
+  if (!_options.isRaw && _options.staging == "private") staging.emplace();
+  ImporterChoice importers = makeChoice(staging ? &*staging : nullptr);
+  std::string path, reason;
+  if (importers.loadForMessages(&path, &reason))
+    return importAll(importers, std::move(operands), console);
+  console.diagnostics.failure(path, stringWithFileSystemRepresentation(reason));
+  return kNoneDelivered;
+}
+
+ExitCode ImportCommand::importAll(ImporterChoice& importers, std::vector<std::string> operands,
+                                  Console& console) const {
+  const bool isNamedAlone = operands.size() == 1 && _options.pathList.empty();
+  InputFiles inputs(std::move(operands));
+  // The text form is another for one file than for several, so one is looked at ahead.
+  std::optional<Input> input = inputs.next(), following = inputs.next();
+  auto results = makeResults(console.output, !isNamedAlone || following);
+  ImportRun run(importers, _options.filter, *results, console.diagnostics);
+  results->begin();
+  for (; input && !Interruption::isWished(); input = std::exchange(following, inputs.next())) {
+    run.importInput(*input);
+    if (!console.output.flush()) return kBroken;
+  }
+  results->end();
+  return run.exitCode();
+}
+
+}  // namespace
+
+std::unique_ptr<Command> makeImportCommand() { return std::make_unique<ImportCommand>(); }
+
+}  // namespace kbx

@@ -1,0 +1,65 @@
+#include "host/import/Staging.h"
+
+#include <filesystem>
+#include <system_error>
+#include <utility>
+#include <vector>
+
+#include "host/console/FerncaseErrors.h"
+#include "platform/files/FileNames.h"
+
+namespace kbx {
+namespace {
+
+/// Other processes and workers stage at the same time, and memory is wanted for more than files.
+constexpr std::uint64_t kShareOfFreeMemory = 4;
+
+}  // namespace
+
+ScratchFolder& Staging::folderForSize(std::uint64_t size) {
+  if (fitsIntoMemory(size)) return _memory;
+  if (!_disk) _disk.emplace(ScratchFolder::Place::Disk);
+  return _disk->failure() == 0 ? *_disk : _memory;
+}
+
+bool Staging::fitsIntoMemory(std::uint64_t size) const {
+  if (_memory.failure()) return false;
+  std::error_code unknown;
+  const auto space = std::filesystem::space(_memory.path(), unknown);
+  return !unknown && size <= space.available / kShareOfFreeMemory;
+}
+
+StagedMessage::StagedMessage(ScratchFolder& folder, NSURL* original, Ref<NSError>* error)
+    : _folder(folder) {
+  const std::string& path = original->fileSystemRepresentation();
+  const std::size_t slash = path.rfind('/');
+  const std::string link = folder.path() + "/" + path.substr(slash + 1);
+  std::error_code failure(folder.failure(), std::generic_category());
+  if (!failure) std::filesystem::create_symlink(path, link, failure);
+  if (failure) {
+    *error = ferncaseError(FerncaseStagingFailedError,
+                           "The message can’t be shown to the importer in a private folder: " +
+                               failure.message() + ".");
+    return;
+  }
+  _url = NSURL::fileURLWithFileSystemRepresentation(link, false);
+  _folderPath = stringWithFileSystemRepresentation(folder.path());
+  _originalFolder = stringWithFileSystemRepresentation(path.substr(0, slash));
+}
+
+StagedMessage::~StagedMessage() {
+  if (_url) _folder.clear();
+}
+
+void StagedMessage::restorePaths(NSMutableDictionary* attributes) const {
+  std::vector<std::pair<Ref<NSObject>, Ref<NSString>>> restored;
+  for (const auto& [key, value] : *attributes) {
+    auto* text = cast<NSString>(value);
+    if (text && text->hasPrefix(_folderPath))
+      restored.emplace_back(key, _originalFolder->stringByAppendingString(
+                                     text->substringFromIndex(_folderPath->length())));
+  }
+  for (const auto& [key, text] : restored) attributes->setObjectForKey(text, key);
+}
+
+}  // namespace kbx

@@ -3,22 +3,17 @@
 #include <CLI/CLI.hpp>
 #include <optional>
 
-#include "host/console/FerncaseErrors.h"
 #include "host/console/Interruption.h"
-#include "host/import/ImportLog.h"
-#include "host/import/ImporterChoice.h"
 #include "host/import/InputFiles.h"
 #include "host/import/PathList.h"
-#include "host/import/StandardInput.h"
 #include "host/results/AttributeFilter.h"
 #include "host/results/RawValues.h"
 #include "host/results/Results.h"
+#include "host/workers/ImportWorkers.h"
 #include "platform/files/FileNames.h"
 
 namespace kbx {
 namespace {
-
-constexpr char kDefaultImporter[] = "/Library/Spotlight/FerncaseSpotlightImporter.mdimporter";
 
 struct Options {
   std::optional<std::string> importer;  // absent for those that are installed
@@ -36,52 +31,40 @@ struct Options {
   bool isVerbose = false;
 };
 
-/// The results of one command line, one input after the other.
-class ImportRun {
- public:
-  ImportRun(ImporterChoice& importers, const AttributeFilter& filter, Results& results,
-            Diagnostics& diagnostics)
-      : _importers(importers), _filter(filter), _results(results), _diagnostics(diagnostics) {}
+/// Raised where standard output takes no more: nobody needs the other results.
+struct OutputFailed {};
 
-  void importInput(const Input& input);
+/// The results of one command line, one input after the other.
+class ImportResults {
+ public:
+  ImportResults(const AttributeFilter& filter, Results& results, Console& console)
+      : _filter(filter), _results(results), _console(console) {}
+
+  /// Raises OutputFailed.
+  void take(const Input& input, NSDictionary* attributes, NSError* error);
   ExitCode exitCode() const {
     if (!_hasFailures) return kDone;
     return _hasDelivered ? kSomeFailed : kNoneDelivered;
   }
 
  private:
-  Ref<NSDictionary> attributesOf(const Input& input, Ref<NSError>* error);
-
-  ImporterChoice& _importers;
   const AttributeFilter& _filter;
   Results& _results;
-  Diagnostics& _diagnostics;
+  Console& _console;
   bool _hasDelivered = false;
   bool _hasFailures = false;
 };
 
-void ImportRun::importInput(const Input& input) {
-  Ref<NSError> error = input.error;
-  Ref<NSDictionary> attributes = error ? nullptr : attributesOf(input, &error);
+void ImportResults::take(const Input& input, NSDictionary* attributes, NSError* error) {
   if (attributes) {
     _hasDelivered = true;
     _results.delivered(input.path, _filter.wantedOf(attributes));
   } else {
     _hasFailures = true;
     _results.failed(input.path, error);
-    _diagnostics.failure(input.path, error->localizedDescription());
+    _console.diagnostics.failure(input.path, error->localizedDescription());
   }
-}
-
-Ref<NSDictionary> ImportRun::attributesOf(const Input& input, Ref<NSError>* error) {
-  if (input.path == kStandardInputName) {
-    const StandardInput copy(error);
-    return copy.url() ? _importers.attributesOfFile(copy.url(), error) : nullptr;
-  }
-  auto url = NSURL::fileURLWithFileSystemRepresentation(input.path, false);
-  if (url) return _importers.attributesOfFile(url, error);
-  *error = ferncaseError(FerncaseImpossiblePathError, "No file can have this path.");
-  return nullptr;
+  if (!_console.output.flush()) throw OutputFailed();
 }
 
 class ImportCommand final : public Command {
@@ -100,8 +83,9 @@ class ImportCommand final : public Command {
   void checkUsage(const std::vector<std::string>& operands) const;
   std::unique_ptr<Results> makeResults(Output& output, bool hasSeveral) const;
   bool addListedPaths(std::vector<std::string>& operands, Diagnostics& diagnostics) const;
-  ImporterChoice makeChoice(Staging* staging) const;
-  ExitCode importAll(ImporterChoice& importers, std::vector<std::string> operands,
+  ImportSettings settingsFor(const std::vector<std::string>& inputs,
+                             Diagnostics& diagnostics) const;
+  ExitCode importAll(ImportWorkers& workers, std::vector<std::string> operands,
                      Console& console) const;
 
   Options _options;
@@ -181,44 +165,46 @@ bool ImportCommand::addListedPaths(std::vector<std::string>& operands,
   return false;
 }
 
-ImporterChoice ImportCommand::makeChoice(Staging* staging) const {
-  const ImporterChoice::Messages messages{!_options.isRaw, staging};
-  if (_options.importer) return {{}, *_options.importer, messages};
-  return {installedImporters(), kDefaultImporter, messages};
+ImportSettings ImportCommand::settingsFor(const std::vector<std::string>& inputs,
+                                          Diagnostics& diagnostics) const {
+  ImportSettings settings;
+  settings.inputs = inputs;
+  settings.importer = _options.importer;
+  settings.usesMailImporter = !_options.isRaw;
+  settings.isStagedPrivately = _options.staging == "private";
+  if (_options.isVerbose) settings.log = &diagnostics;
+  return settings;
 }
 
 ExitCode ImportCommand::run(std::vector<std::string> operands, Console& console) {
   checkUsage(operands);
   _options.filter.showsText = !_options.hidesText;
-  ImportLog log(_options.isVerbose ? &console.diagnostics : nullptr);
-  const ScopedService<ClassicLog> installed(log);
   const Interruption noted;
   if (!addListedPaths(operands, console.diagnostics)) return kNoneDelivered;
-  std::optional<Staging> staging;  // only the mail importer's copies are worth one
-  if (!_options.isRaw && _options.staging == "private") staging.emplace();
-  ImporterChoice importers = makeChoice(staging ? &*staging : nullptr);
+  ImportWorkers workers(settingsFor(operands, console.diagnostics));
   std::string path, reason;
-  if (importers.loadForMessages(&path, &reason))
-    return importAll(importers, std::move(operands), console);
+  if (workers.load(&path, &reason)) return importAll(workers, std::move(operands), console);
   console.diagnostics.failure(path, stringWithFileSystemRepresentation(reason));
   return kNoneDelivered;
 }
 
-ExitCode ImportCommand::importAll(ImporterChoice& importers, std::vector<std::string> operands,
+ExitCode ImportCommand::importAll(ImportWorkers& workers, std::vector<std::string> operands,
                                   Console& console) const {
   const bool isNamedAlone = operands.size() == 1 && _options.pathList.empty();
   InputFiles inputs(std::move(operands));
   // The text form is another for one file than for several, so one is looked at ahead.
   std::optional<Input> input = inputs.next(), following = inputs.next();
   auto results = makeResults(console.output, !isNamedAlone || following);
-  ImportRun run(importers, _options.filter, *results, console.diagnostics);
+  ImportResults taker(_options.filter, *results, console);
   results->begin();
-  for (; input && !Interruption::isWished(); input = std::exchange(following, inputs.next())) {
-    run.importInput(*input);
-    if (!console.output.flush()) return kBroken;
+  try {
+    workers.run([&] { return std::exchange(input, std::exchange(following, inputs.next())); },
+                [&](auto&&... result) { taker.take(result...); });
+  } catch (const OutputFailed&) {
+    return kBroken;
   }
   results->end();
-  return run.exitCode();
+  return taker.exitCode();
 }
 
 }  // namespace

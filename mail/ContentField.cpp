@@ -66,13 +66,13 @@ class Scanner {
 std::string unescaped(std::string_view text) {
   std::string bytes;
   for (std::size_t i = 0; i < text.size(); ++i) {
-    const bool isEscape = text[i] == '%' && i + 2 < text.size() && hexValue(text[i + 1]) >= 0 &&
-                          hexValue(text[i + 2]) >= 0;
+    const bool isEscape = text[i] == '%' && i + 2 < text.size() &&
+                          digitValue(text[i + 1], 16) >= 0 && digitValue(text[i + 2], 16) >= 0;
     if (!isEscape) {
       bytes += text[i];
       continue;
     }
-    bytes += static_cast<char>(hexValue(text[i + 1]) * 16 + hexValue(text[i + 2]));
+    bytes += static_cast<char>(digitValue(text[i + 1], 16) * 16 + digitValue(text[i + 2], 16));
     i += 2;
   }
   return bytes;

@@ -21,7 +21,7 @@ class WordHasher {
   void add(char c) {
     const bool isLetter = isASCIIAlphanumeric(c) || static_cast<unsigned char>(c) >= 0x80;
     if (!isLetter) return end();
-    _hash = (_hash ^ static_cast<unsigned char>(lowercase(c))) * 0x100000001B3;
+    _hash = (_hash ^ static_cast<unsigned char>(asciiLower(c))) * 0x100000001B3;
     _isInWord = true;
   }
   void add(std::string_view text) {
@@ -147,7 +147,7 @@ class ShownText {
   static std::string entityText(std::string_view name) {
     std::string text;
     if (name.starts_with('#')) {
-      const bool isHex = name.size() > 1 && lowercase(name[1]) == 'x';
+      const bool isHex = name.size() > 1 && asciiLower(name[1]) == 'x';
       const std::string_view digits = name.substr(isHex ? 2 : 1);
       std::uint32_t c = 0;
       std::from_chars(digits.data(), digits.data() + digits.size(), c, isHex ? 16 : 10);

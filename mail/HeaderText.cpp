@@ -51,8 +51,8 @@ class WordReader {
     word->charset = head.substr(0, mark);
     if (word->charset.find_first_of(" \t=") != kNone) return false;
     word->charset = word->charset.substr(0, word->charset.find('*'));  // a language follows
-    word->encoding = lowercase(head[mark + 1]) == 'b' ? 'B' : 'Q';
-    if (word->encoding == 'Q' && lowercase(head[mark + 1]) != 'q') return false;
+    word->encoding = asciiLower(head[mark + 1]) == 'b' ? 'B' : 'Q';
+    if (word->encoding == 'Q' && asciiLower(head[mark + 1]) != 'q') return false;
     const std::size_t bytes = start + 2 + mark + 3;
     const std::size_t closing = closingFrom(bytes);
     if (closing == kNone) return false;

@@ -112,13 +112,13 @@ std::string decodedWord(std::string_view bytes, char encoding) {
     return decoded;
   }
   for (std::size_t i = 0; i < bytes.size(); ++i) {
-    const bool isEscape = bytes[i] == '=' && i + 2 < bytes.size() && hexValue(bytes[i + 1]) >= 0 &&
-                          hexValue(bytes[i + 2]) >= 0;
+    const bool isEscape = bytes[i] == '=' && i + 2 < bytes.size() &&
+                          digitValue(bytes[i + 1], 16) >= 0 && digitValue(bytes[i + 2], 16) >= 0;
     if (!isEscape) {
       decoded += bytes[i] == '_' ? ' ' : bytes[i];
       continue;
     }
-    decoded += static_cast<char>(hexValue(bytes[i + 1]) * 16 + hexValue(bytes[i + 2]));
+    decoded += static_cast<char>(digitValue(bytes[i + 1], 16) * 16 + digitValue(bytes[i + 2], 16));
     i += 2;
   }
   return decoded;

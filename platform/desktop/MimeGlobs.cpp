@@ -5,6 +5,7 @@
 #include <tuple>
 
 #include "platform/desktop/TextLines.h"
+#include "platform/text/ASCII.h"
 
 namespace kbx {
 namespace {
@@ -15,8 +16,7 @@ constexpr std::size_t kMostPatterns = 4096;  // that have to be tried one by one
 
 std::string lowercase(std::string_view text) {
   std::string result(text);
-  for (char& c : result)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c | 0x20);
+  std::ranges::transform(result, result.begin(), asciiLower);
   return result;
 }
 

@@ -11,14 +11,10 @@
 #include <emmintrin.h>
 #endif
 
+#include "platform/text/ASCII.h"
+
 namespace kbx {
 
-constexpr bool isASCIILetter(char c) { return static_cast<std::uint8_t>((c | 0x20) - 'a') < 26; }
-constexpr bool isASCIIDigit(char c) { return static_cast<std::uint8_t>(c - '0') < 10; }
-constexpr bool isASCIIAlphanumeric(char c) { return isASCIILetter(c) || isASCIIDigit(c); }
-constexpr char asciiLower(char c) {
-  return static_cast<std::uint8_t>(c - 'A') < 26 ? static_cast<char>(c | 0x20) : c;
-}
 /// White space of markup. A form feed has become a blank before anybody asks.
 constexpr bool isMarkupSpace(char c) { return c == ' ' || c == '\n' || c == '\t' || c == '\r'; }
 
@@ -38,20 +34,6 @@ constexpr bool isDroppedControl(char32_t c) {
 constexpr bool isXMLCharacter(char32_t c) {
   return c < 0x20 ? c == '\t' || c == '\n' || c == '\r'
                   : c <= 0x10FFFF && !isSurrogate(c) && c != 0xFFFE && c != 0xFFFF;
-}
-
-/// The value of a digit in a base up to 16; -1 for what is none.
-constexpr int digitValue(char c, int base) {
-  if (isASCIIDigit(c)) return c - '0';
-  const char lower = asciiLower(c);
-  return base == 16 && lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : -1;
-}
-
-inline bool equalsIgnoringASCIICase(std::string_view text, std::string_view lower) {
-  if (text.size() != lower.size()) return false;
-  for (std::size_t i = 0; i < text.size(); ++i)
-    if (asciiLower(text[i]) != lower[i]) return false;
-  return true;
 }
 
 /// The first `wanted` from `start` on; `end` when there is none.

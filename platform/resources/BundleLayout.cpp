@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "platform/files/FileSystem.h"
+#include "platform/text/ASCII.h"
 
 namespace kbx {
 namespace {
@@ -15,12 +16,9 @@ constexpr std::string_view kPackageEndings[] = {
     ".saver",         ".service", ".wdgt",       ".xcodeproj",   ".xpc",
 };
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
-
 bool hasEnding(std::string_view path, std::string_view ending) {
   const std::string_view name = path.substr(path.rfind('/') + 1);
-  return name.size() > ending.size() &&
-         std::ranges::equal(name.substr(name.size() - ending.size()), ending, {}, lower);
+  return name.size() > ending.size() && endsIgnoringASCIICase(name, ending);
 }
 
 bool isOfKind(const std::string& path, FileStatus::Kind kind) {

@@ -1,8 +1,7 @@
 #include "platform/resources/TypeIdentifiers.h"
 
-#include <algorithm>
-
 #include "platform/desktop/MimeTypes.h"
+#include "platform/text/ASCII.h"
 
 namespace kbx {
 namespace {
@@ -88,11 +87,9 @@ constexpr Known kMIMETypes[] = {
     {"video/", "public.movie"},
 };
 
-char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; }
-
+/// The ending alone is no name with an ending.
 bool endsIn(std::string_view name, std::string_view ending) {
-  return name.size() > ending.size() &&
-         std::ranges::equal(name.substr(name.size() - ending.size()), ending, {}, lower);
+  return name.size() > ending.size() && endsIgnoringASCIICase(name, ending);
 }
 
 }  // namespace

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "platform/objects/NSString.h"
+#include "platform/text/ASCII.h"
 #include "platform/text/NSCharacterSet.h"
 
 namespace kbx {
@@ -14,8 +15,7 @@ namespace {
 
 std::string lowercase(std::span<const char> units) {
   std::string result(units.begin(), units.end());
-  for (char& c : result)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c | 0x20);
+  std::ranges::transform(result, result.begin(), asciiLower);
   return result;
 }
 

@@ -7,6 +7,7 @@
 
 #include "host/console/FerncaseErrors.h"
 #include "host/import/ImportErrors.h"
+#include "host/import/MessageNames.h"
 #include "platform/files/ReadableFile.h"
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSNumber.h"
@@ -49,8 +50,10 @@ std::string mailImporterReason() {
 }  // namespace
 
 Ref<NSString> contentTypeOf(NSURL* file) {
-  std::string_view path = file->fileSystemRepresentation();
-  return typeIdentifier(path.substr(path.rfind('/') + 1), false);
+  const std::string& path = file->fileSystemRepresentation();
+  if (isMaildirMessage(path)) return "com.apple.mail.email"_ns;
+  const std::string_view name = path;
+  return typeIdentifier(name.substr(name.rfind('/') + 1), false);
 }
 
 Ref<NSDictionary> FileImporter::attributesOfFile(NSURL* file, Ref<NSError>* error) {

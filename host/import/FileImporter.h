@@ -10,7 +10,8 @@
 
 namespace kbx {
 
-/// The type identifier that a file's name has, whatever the name stands for. Never absent.
+/// The type identifier that a file's name has, whatever the name stands for; that of a message in a
+/// Maildir (MessageNames). Never absent.
 Ref<NSString> contentTypeOf(NSURL* file);
 
 /// Asks an importer for one file after the other. Belongs to one thread at a time; the classic log

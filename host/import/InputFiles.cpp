@@ -6,6 +6,7 @@
 #include <system_error>
 
 #include "host/console/FerncaseErrors.h"
+#include "host/import/MessageNames.h"
 #include "platform/files/FileErrors.h"
 #include "platform/files/FileSystem.h"
 #include "platform/files/NSURL.h"
@@ -17,13 +18,6 @@ bool isFolder(const std::string& path) {
   FileStatus status;
   return FileSystem::current().statusOfPath(path, &status) == 0 &&
          status.kind == FileStatus::Kind::Directory;
-}
-
-bool isMessageName(std::string_view name) {
-  constexpr std::string_view kEnding = ".eml";
-  auto lower = [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c; };
-  return name.size() >= kEnding.size() &&
-         std::ranges::equal(name.substr(name.size() - kEnding.size()), kEnding, {}, lower);
 }
 
 /// What an importer writes beside a message while it works, and may have left behind.
@@ -39,7 +33,8 @@ Ref<NSError> readingError(const std::string& path, const std::error_code& failur
 }
 
 Ref<NSError> noMessagesError() {
-  return ferncaseError(FerncaseNoMessagesError, "The folder holds no message (.eml).");
+  return ferncaseError(FerncaseNoMessagesError,
+                       "The folder holds no message (.eml, .emlx or Maildir).");
 }
 
 }  // namespace
@@ -83,6 +78,7 @@ std::optional<Input> InputFiles::nextOfFolders() {
 
 /// Reads a folder, which is the one to walk then. Answers why it could not be read to its end.
 std::optional<Input> InputFiles::enter(std::string path) {
+  const bool isMaildir = isMaildirFolder(path);
   std::vector<Entry> entries;
   std::error_code failure;
   std::filesystem::directory_iterator at(path, failure);
@@ -90,7 +86,8 @@ std::optional<Input> InputFiles::enter(std::string path) {
     std::error_code unknown;  // what is no folder for certain is a file, and fails as one
     const bool isFolder = !at->is_symlink(unknown) && at->is_directory(unknown);
     std::string name = at->path().filename().string();
-    if (!isTemporaryName(name) && (isFolder || isMessageName(name)))
+    const bool isMessage = isMessageName(name) || (isMaildir && isMaildirMessageName(name));
+    if (!isTemporaryName(name) && (isFolder || isMessage))
       entries.push_back({std::move(name), isFolder});
     at.increment(failure);
   }

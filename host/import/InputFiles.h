@@ -20,9 +20,9 @@ struct Input {
   Ref<NSError> error;  // why there is nothing to import; absent for a file
 };
 
-/// Gives the arguments in their order, folders replaced by the messages in them: all files whose
-/// name ends in ".eml", in either case, with those of inner folders, sorted by the bytes of their
-/// names.
+/// Gives the arguments in their order, folders replaced by the messages in them: all files that are
+/// messages by their names or by the layout of their folder (MessageNames), with those of inner
+/// folders, sorted by the bytes of their names.
 ///
 /// A link to a folder is followed where an argument names it, never inside a folder, so that no
 /// link leads in circles. What an importer is just writing beside a message is passed over. A

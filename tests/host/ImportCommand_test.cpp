@@ -227,6 +227,18 @@ TEST_F(ImportCommandTest, AnEmlxFileGoesStraightToTheMailImporter) {
   EXPECT_EQ(attributes.at("com_apple_mail_read"), true);
 }
 
+TEST_F(ImportCommandTest, AMaildirHoldsMessagesWhateverTheyAreCalled) {
+  for (auto name : {"mail/cur", "mail/new", "mail/tmp"})
+    std::filesystem::create_directories(_folder / name);
+  _folder.write("mail/cur/1288.M5P6.host:2,S", kMessage);
+  _folder.write("mail/new/1289.host.example.zip", kMessage);
+  _folder.write("mail/tmp/1290.host", kMessage);
+  auto [code, output, complaints] = command({"--ndjson", (_folder / "mail").string()}).run();
+  auto results = lines(output);
+  ASSERT_EQ(results.size(), 2u) << complaints;
+  for (const auto& result : results) EXPECT_EQ(textOf(result), "Good morning\n");
+}
+
 TEST_F(ImportCommandTest, AUsersImporterTakesTheTypesThatItDeclares) {
   std::filesystem::create_directories(_folder / "data/ferncase/Library/Spotlight");
   const std::string bundle = "data/ferncase/Library/Spotlight/Cards.mdimporter";

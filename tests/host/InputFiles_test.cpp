@@ -70,9 +70,21 @@ TEST_F(InputFilesTest, AFolderStandsForItsMessagesSortedByTheBytesOfTheirNames) 
 }
 
 TEST_F(InputFilesTest, TheEndingDecidesInEitherCase) {
-  for (auto name : {"a.eml", "b.EML", "c.Eml", ".d.eml", ".eml", "eml", "e.emlx", "f.eml.txt", "g"})
+  for (auto name : {"a.eml", "b.EML", "c.Eml", ".d.eml", ".eml", "eml", "e.emlx", "f.eml.txt", "g",
+                    "h.partial.emlx", "i.EMLX"})
     makeFile(name);
-  EXPECT_THAT(walk(), ElementsAre(".d.eml", ".eml", "a.eml", "b.EML", "c.Eml"));
+  EXPECT_THAT(walk(), ElementsAre(".d.eml", ".eml", "a.eml", "b.EML", "c.Eml", "e.emlx",
+                                  "h.partial.emlx", "i.EMLX"));
+}
+
+TEST_F(InputFilesTest, EveryFileInAMaildirIsAMessage) {
+  for (auto name : {"mail/cur/2.host:2,S", "mail/cur/1.host:2,", "mail/cur/.list",
+                    "mail/new/3.host", "mail/tmp/4.host", "mail/dovecot-uidlist",
+                    "mail/.Sent/cur/5.host:2,S", "mail/.Sent/new/6.eml", "cur/7.host"})
+    makeFile(name);
+  EXPECT_THAT(walk(), ElementsAre("mail/.Sent/cur/5.host:2,S", "mail/.Sent/new/6.eml",
+                                  "mail/cur/1.host:2,", "mail/cur/2.host:2,S", "mail/new/3.host"));
+  EXPECT_THAT(inputsOf({path("mail/new/")}), ElementsAre("mail/new/3.host"));
 }
 
 TEST_F(InputFilesTest, WhatAnImporterIsWritingIsPassedOver) {

@@ -11,6 +11,7 @@
 #include "mail/MessageContent.h"
 #include "mail/TextDecoder.h"
 #include "mail/TransferDecoder.h"
+#include "platform/objects/SeededHash.h"
 
 namespace kbx {
 
@@ -86,7 +87,8 @@ class MessageReader {
   const int _embedding;  // how many encoded messages this one lies in
   MessageContent _content;
   std::vector<Container> _containers;
-  std::unordered_map<std::string, int> _boundaries;  // the innermost container of each
+  // The innermost container of each. The texts are a stranger's.
+  std::unordered_map<std::string, int, SeededHash> _boundaries;
   std::size_t _encryptedCount = 0;  // open containers whose parts are nobody's to read
   std::size_t _messageCount = 0;    // open attached messages
   std::size_t _alternativeCount = 0;

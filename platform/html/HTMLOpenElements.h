@@ -9,6 +9,7 @@
 
 #include "platform/html/HTMLTags.h"
 #include "platform/markup/XMLTree.h"
+#include "platform/objects/SeededHash.h"
 
 namespace kbx {
 
@@ -144,7 +145,7 @@ class HTMLOpenElements {
 
   std::vector<Element> _elements;  // from html inwards, behind one that is none
   std::vector<Index> _lastOpen;    // by tag
-  std::unordered_map<std::string, HTMLTag> _names;
+  std::unordered_map<std::string, HTMLTag, SeededHash> _names;
 };
 
 }  // namespace kbx

@@ -8,6 +8,7 @@
 #include "platform/html/HTMLTreeBuilder.h"
 #include "platform/markup/XMLTextJoiner.h"
 #include "platform/markup/XMLTree.h"
+#include "platform/objects/SeededHash.h"
 
 namespace kbx {
 
@@ -30,7 +31,7 @@ class HTMLTreeAttributes {
 
   Arena& _arena;
   std::vector<XMLAttribute> _attributes;
-  std::unordered_set<std::string_view> _names;  // only once there are many
+  std::unordered_set<std::string_view, SeededHash> _names;  // only once there are many
 };
 
 /// Fills a tree with html, head, title, body and what is in them.

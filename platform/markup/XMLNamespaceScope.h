@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/markup/XMLTree.h"
+#include "platform/objects/SeededHash.h"
 
 namespace kbx {
 
@@ -61,7 +62,7 @@ class XMLNamespaceScope {
 
   std::string_view _default;
   std::vector<Binding> _bindings;
-  std::unordered_map<std::string_view, std::uint32_t> _current;
+  std::unordered_map<std::string_view, std::uint32_t, SeededHash> _current;
 };
 
 }  // namespace kbx

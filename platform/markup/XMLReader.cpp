@@ -93,8 +93,7 @@ XMLName splitName(std::string_view qualified) {
 
 struct ExpandedNameHash {
   std::size_t operator()(const XMLName* name) const {
-    const std::hash<std::string_view> hash;
-    return hash(name->local()) * 31 + hash(name->uri);
+    return seededHash(name->local()) * 31 + seededHash(name->uri);
   }
 };
 struct ExpandedNameEqual {

@@ -11,6 +11,7 @@
 
 #include "platform/markup/XMLNamespaceScope.h"
 #include "platform/markup/XMLTree.h"
+#include "platform/objects/SeededHash.h"
 
 namespace kbx {
 
@@ -107,8 +108,9 @@ class XMLReader {
   std::vector<OpenElement> _open;
   std::vector<XMLAttribute> _attributes;
   std::vector<XMLNamespaceDeclaration> _declarations;
-  std::unordered_set<std::string_view> _declaredPrefixes;  // of one tag, once there are many
-  std::unordered_map<std::string_view, std::string> _entities;
+  std::unordered_set<std::string_view, SeededHash>
+      _declaredPrefixes;  // of one tag, once there are many
+  std::unordered_map<std::string_view, std::string, SeededHash> _entities;
   std::size_t _expandedLength = 0;  // of all entities, declared and used
   bool _isStopped = false;
   bool _hasMisc = false;

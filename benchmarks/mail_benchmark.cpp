@@ -130,7 +130,7 @@ void importer(benchmark::State& state) {
   for (auto _ : state)
     for (NSURL* url : urls) {
       auto attributes = NSMutableDictionary::dictionary();
-      importMessage(url, nullptr, attributes);
+      importMessage(url, nullptr, attributes, nullptr);
       benchmark::DoNotOptimize(attributes);
     }
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * urls.size()));

@@ -4,8 +4,8 @@
 #include <charconv>
 #include <string>
 
+#include "platform/files/FileErrors.h"
 #include "platform/files/FileSystem.h"
-#include "platform/objects/NSError.h"
 #include "platform/propertylists/NSPropertyListSerialization.h"
 
 namespace kbx {
@@ -42,10 +42,12 @@ Ref<NSDictionary> dictionaryOf(std::string_view bytes) {
 }  // namespace
 
 EMLXFile::EMLXFile(NSURL* url, Ref<NSError>* error)
-    : _file(url, error), _buffer(std::make_unique_for_overwrite<char[]>(kPiece)) {}
+    : _url(url), _file(url, error), _buffer(std::make_unique_for_overwrite<char[]>(kPiece)) {}
 
 void EMLXFile::fill() {
+  if (_failure) return;
   const std::int64_t count = FileSystem::current().read(_file.descriptor(), _buffer.get(), kPiece);
+  if (count < 0) _failure = fileError(_url, FileAction::Reading, static_cast<int>(-count));
   _bytes = {_buffer.get(), count > 0 ? static_cast<std::size_t>(count) : 0};
 }
 

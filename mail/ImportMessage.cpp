@@ -9,8 +9,9 @@
 
 namespace kbx {
 
-bool importMessage(NSURL* file, NSString* contentType, NSMutableDictionary* attributes) {
-  EMLXFile message(file, nullptr);
+bool importMessage(NSURL* file, NSString* contentType, NSMutableDictionary* attributes,
+                   Ref<NSError>* error) {
+  EMLXFile message(file, error);
   if (!message.isOpen()) return false;
   TextDecoder decoder;
   MessageReader reader(decoder);
@@ -18,6 +19,11 @@ bool importMessage(NSURL* file, NSString* contentType, NSMutableDictionary* attr
     reader.add(piece);
   const std::uint64_t size = message.messageSize();
   Ref<NSDictionary> properties = message.properties();
+  // Half a message must not pass for the whole.
+  if (message.failure()) {
+    if (error) *error = message.failure();
+    return false;
+  }
   setAttributes(attributes, reader.take(), properties, size, contentType, decoder);
   return true;
 }

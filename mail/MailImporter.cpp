@@ -2,6 +2,7 @@
 #include <new>
 
 #include "mail/ImportMessage.h"
+#include "platform/logging/NSLog.h"
 #include "platform/plugins/Bridge.h"
 #include "platform/plugins/MDImporter.h"
 
@@ -38,10 +39,12 @@ Boolean importURL(void*, CFMutableDictionaryRef attributes, CFStringRef contentT
   if (!attributes || !url) return false;
   // Whoever hosts importers may hold nothing but C: no exception leaves.
   try {
-    return importMessage(fromCF(url), fromCF(contentType), fromCF(attributes));
+    Ref<NSError> error;
+    if (importMessage(fromCF(url), fromCF(contentType), fromCF(attributes), &error)) return true;
+    NSLog("Mail error: %@"_ns, error->localizedDescription());
   } catch (const std::bad_alloc&) {
-    return false;
   }
+  return false;
 }
 
 Boolean importPath(void* interface, CFMutableDictionaryRef attributes, CFStringRef contentType,

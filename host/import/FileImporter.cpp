@@ -6,6 +6,7 @@
 #include <string>
 
 #include "host/console/FerncaseErrors.h"
+#include "host/import/HTMLBody.h"
 #include "host/import/ImportErrors.h"
 #include "host/import/MessageNames.h"
 #include "platform/files/ReadableFile.h"
@@ -87,11 +88,15 @@ Ref<NSMutableDictionary> FileImporter::import(NSURL* file, NSURL* place,
   auto attributes = NSMutableDictionary::dictionary();
   if (_usesMailImporter) attributes->setObjectForKey(NSNumber::numberWithBool(true), forceKey());
   try {
-    if (_importer.importFile(place, contentTypeOf(file), attributes)) {
+    const bool isImported = _importer.importFile(place, contentTypeOf(file), attributes);
+    if (isImported && !tellsOfMailError(recording.lines())) {
       attributes->removeObjectForKey(forceKey());
+      addTextOfHTMLBody(attributes);
       return attributes;
     }
-    *error = importError(recording.lines(), _usesMailImporter ? mailImporterReason() : "");
+    // The platform knows best why a file cannot be read, should it fail once more.
+    if (canBeRead(file, error))
+      *error = importError(recording.lines(), _usesMailImporter ? mailImporterReason() : "");
   } catch (const std::bad_alloc&) {
     *error =
         ferncaseError(FerncaseImportFailedError, "The importer failed: there isn’t enough memory.");

@@ -23,6 +23,9 @@ namespace {
 constexpr std::u16string_view kLoggedError = u"FerncaseSpotlightImporter error ";
 constexpr std::u16string_view kLineOfEntry = u"\n    ";
 
+// And the mail importer logs "Mail error: %@" with the description of its error.
+constexpr std::u16string_view kMailError = u"Mail error: ";
+
 std::u16string unitsOf(NSString* text) {
   return text->visitUnits([](auto units) { return std::u16string(units.begin(), units.end()); });
 }
@@ -83,6 +86,14 @@ Ref<NSError> loggedError(NSString* line) {
   return NSError::errorWithDomain(stringOf(*domain), stringOf(*code)->integerValue(), info);
 }
 
+bool isMailError(NSString* line) { return line->hasPrefix(stringOf(kMailError)); }
+
+/// What the mail importer says, without its name; absent when it has no complaint.
+Ref<NSString> mailError(const ImportLog::Lines& lines) {
+  const auto line = std::ranges::find_if(lines, [](const auto& each) { return isMailError(each); });
+  return line == lines.end() ? nullptr : (*line)->substringFromIndex(kMailError.size());
+}
+
 bool tellsOfNoError(NSString* line) {
   return line->hasPrefix("FerncaseSpotlightImporter error (null) for file "_ns);
 }
@@ -103,8 +114,11 @@ Ref<NSError> importError(const ImportLog::Lines& lines, std::string_view mailImp
       std::ranges::any_of(lines, [](const auto& line) { return tellsOfNoError(line); });
   if (isUnexplained && !mailImporterReason.empty())
     return ferncaseError(FerncaseImportFailedError, mailImporterReason);
+  if (auto reason = mailError(lines)) return ferncaseError(FerncaseImportFailedError, reason);
   if (!lines.empty()) return ferncaseError(FerncaseImportFailedError, mostTelling(lines));
   return ferncaseError(FerncaseImportFailedError, "The importer gave no attributes.");
 }
+
+bool tellsOfMailError(const ImportLog::Lines& lines) { return mailError(lines) != nullptr; }
 
 }  // namespace kbx

@@ -19,4 +19,8 @@ namespace kbx {
 /// says so. Otherwise the error is FerncaseImportFailedError with the last line of the log.
 Ref<NSError> importError(const ImportLog::Lines& lines, std::string_view mailImporterReason);
 
+/// Whether the mail importer could not read what it was given. An importer that hosts it makes do
+/// with what came back, perhaps nothing, which would look like an empty message.
+bool tellsOfMailError(const ImportLog::Lines& lines);
+
 }  // namespace kbx

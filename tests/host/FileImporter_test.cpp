@@ -168,5 +168,32 @@ TEST_F(FileImporterTest, AMissingMailImporterIsNamedWithTheReason) {
   EXPECT_EQ(told(), "FerncaseErrorDomain 1 FerncaseSpotlightImporter error (null) for file /a");
 }
 
+TEST_F(FileImporterTest, AMailImporterThatCouldNotReadIsNoEmptyMessage) {
+  auto hosting = [](auto...) {
+    NSLog("Mail error: %@"_ns, "The disk is worn."_ns);
+    return true;
+  };
+  EXPECT_FALSE(import(hosting, true));
+  EXPECT_EQ(told(), "FerncaseErrorDomain 1 The disk is worn.");
+}
+
+TEST_F(FileImporterTest, AFailureIsExplainedByTheFileWhereItCannotBeReadAnyMore) {
+  auto failing = [this](auto...) {
+    std::filesystem::remove(_folder / "a.eml");
+    return false;
+  };
+  EXPECT_FALSE(import(failing));
+  EXPECT_EQ(_error->code(), 260);
+}
+
+TEST_F(FileImporterTest, AnImporterThatDeliversHTMLAloneGetsItsText) {
+  auto attributes = import([](NSMutableDictionary* found, auto...) {
+    found->setObjectForKey("<p>a</p><p>b</p>"_ns, "kMDItemHTMLContent"_ns);
+    return true;
+  });
+  ASSERT_TRUE(attributes);
+  EXPECT_EQ(text(attributes->objectForKey("kMDItemTextContent"_ns)), "a\nb");
+}
+
 }  // namespace
 }  // namespace kbx

@@ -120,6 +120,7 @@ TEST_F(ImportCommandTest, EachBadInputIsOneErrorAndTheOthersAreDelivered) {
     std::int64_t code;
     const char* reason;
   };
+  const std::string tooLong(300, 'n');
   for (auto [path, code, reason] : {Case{"missing.eml", 260, "there is no such file"},
                                     {"good.eml/inside", 260, "there is no such file"},
                                     {"dangling.eml", 260, "there is no such file"},
@@ -127,6 +128,7 @@ TEST_F(ImportCommandTest, EachBadInputIsOneErrorAndTheOthersAreDelivered) {
                                     {"pipe.eml", 256, "it is no regular file"},
                                     {"/dev/null", 256, "it is no regular file"},
                                     {"/dev/zero", 256, "it is no regular file"},
+                                    {tooLong.c_str(), 256, "File name too long"},
                                     {"large.eml", 263, "it is too large"},
                                     {"empty", 2, "The folder holds no message"},
                                     {"", 3, "No file can have this path"}}) {
@@ -225,6 +227,18 @@ TEST_F(ImportCommandTest, AnEmlxFileGoesStraightToTheMailImporter) {
   auto attributes = lines(finished.output).at(0).at("attributes");
   EXPECT_EQ(attributes.at("kMDItemSubject"), "Hello");
   EXPECT_EQ(attributes.at("com_apple_mail_read"), true);
+}
+
+TEST_F(ImportCommandTest, AnEmlxFileOfHTMLAloneHasTheTextOfTheSameMessage) {
+  const std::string message = "Content-Type: text/html\n\n<p>Good<p>morning";
+  _folder.write("1.emlx", std::to_string(message.size()) + "\n" + message);
+  _folder.write("2.eml", message);
+  auto results =
+      lines(command({"--ndjson", "1.emlx", "2.eml"}).folder(_folder.path()).run().output);
+  ASSERT_EQ(results.size(), 2u);
+  EXPECT_EQ(textOf(results[0]), "Good\nmorning");
+  for (auto name : {"kMDItemTextContent", "kMDItemHTMLContent", "KBXTextContentIsSynthesized"})
+    EXPECT_EQ(results[0].at("attributes").at(name), results[1].at("attributes").at(name)) << name;
 }
 
 TEST_F(ImportCommandTest, AMaildirHoldsMessagesWhateverTheyAreCalled) {

@@ -136,14 +136,14 @@ TEST(Attributes, TheAgentOfNewsIsTheCreatorToo) {
 TEST(Attributes, AGivenContentTypeIsKept) {
   TemporaryFolder folder;
   auto attributes = NSMutableDictionary::dictionary();
-  ASSERT_TRUE(importMessage(folder.write("m", emlx("a: b\n\n")), "x.y"_ns, attributes));
+  ASSERT_TRUE(importMessage(folder.write("m", emlx("a: b\n\n")), "x.y"_ns, attributes, nullptr));
   EXPECT_EQ(text(attributes->objectForKey("kMDItemContentType"_ns)), "x.y");
 }
 
 TEST(Attributes, OfAMissingFileAreNone) {
   TemporaryFolder folder;
   auto attributes = NSMutableDictionary::dictionary();
-  EXPECT_FALSE(importMessage(folder.url("missing"), nullptr, attributes));
+  EXPECT_FALSE(importMessage(folder.url("missing"), nullptr, attributes, nullptr));
   EXPECT_EQ(attributes->count(), 0u);
 }
 

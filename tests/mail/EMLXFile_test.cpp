@@ -6,6 +6,7 @@
 #include "platform/objects/NSError.h"
 #include "platform/propertylists/NSPropertyListSerialization.h"
 #include "tests/mail/Messages.h"
+#include "tests/support/FailingFiles.h"
 
 namespace kbx {
 namespace {
@@ -91,6 +92,31 @@ TEST(EMLXFile, IsNotOpenWhereThereIsNoFile) {
   EXPECT_FALSE(EMLXFile(folder.url("missing.emlx"), &error).isOpen());
   ASSERT_TRUE(error);
   EXPECT_EQ(error->code(), 260);
+}
+
+TEST(EMLXFile, WhatCannotBeReadToItsEndIsAFailureAndNoShorterMessage) {
+  constexpr std::size_t kPiece = 1 << 16;
+  TemporaryFolder folder;
+  auto url = folder.write("m.emlx", emlx(std::string(2 * kPiece, 'x')));
+  for (int worked : {0, 1, 2, 3}) {
+    SCOPED_TRACE(worked);
+    FailingFiles files;
+    files.fail(FailingFiles::Call::Read, EIO, worked);
+    ScopedService<FileSystem> installed(files);
+    EMLXFile file(url, nullptr);
+    EXPECT_FALSE(file.failure());
+    EXPECT_EQ(file.properties()->count(), 0u);
+    ASSERT_TRUE(file.failure());
+    EXPECT_EQ(text(file.failure()->localizedDescription()),
+              "The file “m.emlx” couldn’t be opened: Input/output error.");
+    EXPECT_EQ(file.nextPiece(), "");
+    auto attributes = NSMutableDictionary::dictionary();
+    Ref<NSError> error;
+    files.fail(FailingFiles::Call::Read, EIO, worked);
+    EXPECT_FALSE(importMessage(url, nullptr, attributes, &error));
+    EXPECT_EQ(error->code(), 256);
+    EXPECT_EQ(attributes->count(), 0u);
+  }
 }
 
 }  // namespace

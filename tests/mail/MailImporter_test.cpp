@@ -1,9 +1,11 @@
 // The bundle as its hosts meet it: through the plug-in loader alone.
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "platform/plugins/Bridge.h"
 #include "platform/plugins/MDImporter.h"
 #include "tests/mail/Messages.h"
+#include "tests/support/RecordingLog.h"
 
 namespace kbx {
 namespace {
@@ -80,12 +82,15 @@ TEST_F(MailImporter, GivesTheSameThroughPathsAndURLs) {
 
 TEST_F(MailImporter, FailsForAMissingFileAndKeepsWhatTheDictionaryHas) {
   TemporaryFolder folder;
+  RecordingLog log;
   auto* urls = static_cast<MDImporterURLInterfaceStruct**>(query(kMDImporterURLInterfaceID, S_OK));
   auto attributes = NSMutableDictionary::dictionary();
   attributes->setObjectForKey("old"_ns, "kept"_ns);
   EXPECT_FALSE((*urls)->ImporterImportURLData(urls, toCF(attributes), nullptr,
                                               toCF(folder.url("missing.emlx"))));
   EXPECT_EQ(attributes->count(), 1u);
+  EXPECT_THAT(log.lines(), testing::ElementsAre("Mail error: The file “missing.emlx” couldn’t be "
+                                                "opened because there is no such file."));
   EXPECT_FALSE((*urls)->ImporterImportURLData(urls, toCF(attributes), nullptr, nullptr));
   EXPECT_FALSE((*urls)->ImporterImportURLData(urls, nullptr, nullptr, toCF(folder.url())));
 }

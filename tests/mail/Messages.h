@@ -24,7 +24,7 @@ inline std::string emlx(std::string_view message, std::string_view list = kEmpty
 inline Ref<NSMutableDictionary> attributesOfFile(std::string_view bytes) {
   TemporaryFolder folder;
   auto attributes = NSMutableDictionary::dictionary();
-  EXPECT_TRUE(importMessage(folder.write("message.emlx", bytes), nullptr, attributes));
+  EXPECT_TRUE(importMessage(folder.write("message.emlx", bytes), nullptr, attributes, nullptr));
   return attributes;
 }
 

@@ -24,7 +24,11 @@ XMLNode* XMLTreeHandler::appendNode(NSXMLNodeKind kind, std::string_view text) {
 
 bool XMLTreeHandler::startElement(const XMLName& name, std::span<const XMLAttribute> attributes,
                                   std::span<const XMLNamespaceDeclaration> declarations) {
-  if (_isXHTMLOnly && _place == _tree.document && !isXHTMLRoot(name)) return false;
+  if (_isXHTMLOnly) {
+    if (_place == _tree.document && !isXHTMLRoot(name)) return false;
+    _visibility.start(name);
+    if (isLeftOut()) return true;
+  }
   XMLNode* const element = appendNode(NSXMLElementKind, {});
   element->name = name;
   element->attributes = copied(attributes, _tree.arena);
@@ -35,7 +39,17 @@ bool XMLTreeHandler::startElement(const XMLName& name, std::span<const XMLAttrib
   return true;
 }
 
+void XMLTreeHandler::endElement() {
+  if (!isLeftOut()) _place = _place->parent;
+  if (_isXHTMLOnly) _visibility.end();
+}
+
+void XMLTreeHandler::comment(std::string_view text) {
+  if (!_visibility.isMisplaced()) appendNode(NSXMLCommentKind, text);
+}
+
 void XMLTreeHandler::instruction(std::string_view target, std::string_view data) {
+  if (_visibility.isMisplaced()) return;
   appendNode(NSXMLProcessingInstructionKind, data)->name = {target, {}, 0};
 }
 

@@ -3,7 +3,8 @@
 #include "platform/html/HTMLTextSink.h"
 #include "platform/markup/CanonicalXML.h"
 #include "platform/markup/MarkupText.h"
-#include "platform/markup/XMLTreeHandler.h"
+#include "platform/markup/XHTMLVisibility.h"
+#include "platform/markup/XMLReader.h"
 
 namespace kbx {
 namespace {
@@ -13,26 +14,22 @@ class XHTMLTextHandler final : public XMLHandler {
  public:
   bool startElement(const XMLName& name, std::span<const XMLAttribute>,
                     std::span<const XMLNamespaceDeclaration>) override {
-    if (_depth++ == 0 && !isXHTMLRoot(name)) return false;
-    if (_hiddenDepth > 0 || name.uri != kXHTMLNamespace) return true;
-    const bool isFrameless = name.local() == "noframes";
-    if (isFrameless) _text.append(' ');
-    if (isFrameless || name.local() == "head" || name.local() == "script") _hiddenDepth = _depth;
+    if (_visibility.depth() == 0 && !isXHTMLRoot(name)) return false;
+    const bool isNoframes = name.is(kXHTMLNamespace, "noframes");
+    if (isNoframes && !_visibility.isHidden()) _text.append(' ');
+    _visibility.start(name);
     return true;
   }
-  void endElement() override {
-    if (_depth-- == _hiddenDepth) _hiddenDepth = 0;
-  }
+  void endElement() override { _visibility.end(); }
   void text(std::string_view piece) override {
-    if (_hiddenDepth == 0) _text.append(piece);
+    if (!_visibility.isHidden()) _text.append(piece);
   }
 
   Ref<NSData> take() { return _text.take(); }
 
  private:
   GrowingBytes _text;
-  std::size_t _depth = 0;
-  std::size_t _hiddenDepth = 0;  // of the element that hides its content; 0 for none
+  XHTMLVisibility _visibility;
 };
 
 Ref<NSData> textOfHTML(std::string_view text) {

@@ -292,6 +292,30 @@ TEST(HTMLTidying, HiddenTextDoesNotShow) {
        "<html xmlns='http://www.w3.org/1999/xhtml'><head><title>a</title></head><body>b</body>"
        "</html>",
        "b"},
+      {"a style in the body", "a<style>b</style>c", "ac"},
+      {"a script in the body", "a<script>b</script>c", "ac"},
+      {"a title in the body", "a<title>b</title>c", "ac"},
+      {"a style in the body of XHTML",
+       "<html xmlns='http://www.w3.org/1999/xhtml'><body>a<style>b</style>c</body></html>", "ac"},
+      {"a script in the body of XHTML",
+       "<html xmlns='http://www.w3.org/1999/xhtml'><body>a<script>b</script>c</body></html>", "ac"},
+      {"a title in the body of XHTML",
+       "<html xmlns='http://www.w3.org/1999/xhtml'><body>a<title>b</title>c</body></html>", "ac"},
+      {"a style with a prefix",
+       "<h:html xmlns:h='http://www.w3.org/1999/xhtml'>a<h:style>b<![CDATA[c]]></h:style>d"
+       "</h:html>",
+       "ad"},
+      {"elements in a style",
+       "<html xmlns='http://www.w3.org/1999/xhtml'>a<style>b<p>c</p>d<noframes/></style>e</html>",
+       "ae"},
+      {"a style in what is shown without frames",
+       "<html xmlns='http://www.w3.org/1999/xhtml'>a<noframes>b<style>c</style>d</noframes>e"
+       "</html>",
+       "a e"},
+      {"a style and a script of SVG in XHTML",
+       "<html xmlns='http://www.w3.org/1999/xhtml'>a<svg xmlns='http://www.w3.org/2000/svg'>"
+       "<style>b</style><script>c</script><text>d</text></svg>e</html>",
+       "ade"},
       {"the head of no namespace is HTML in the end", "<html><head><title>a</title></head></html>",
        ""},
       {"nothing at all", "<p> </p>", ""},
@@ -301,8 +325,8 @@ TEST(HTMLTidying, HiddenTextDoesNotShow) {
 
 TEST(HTMLTidying, ElementsOutsideXHTMLShowTheirText) {
   EXPECT_EQ(visibleText("<h:html xmlns:h='http://www.w3.org/1999/xhtml'><head>a</head>"
-                        "<script>b</script><h:script>c</h:script></h:html>"),
-            "ab");
+                        "<script>b</script><h:script>c</h:script><style>d</style></h:html>"),
+            "abd");
 }
 
 }  // namespace

@@ -126,6 +126,27 @@ TEST(NSXMLDocument, XHTMLIsTakenAsItIsWithoutTheXMLOption) {
             "<x:html xmlns:x=\"http://www.w3.org/1999/xhtml\"></x:html>");
 }
 
+TEST(NSXMLDocument, WhatBelongsToTheHeadIsEmptyElsewhereInXHTMLWithoutTheXMLOption) {
+  const std::string head =
+      "<html xmlns=\"http://www.w3.org/1999/xhtml\"><head><title>a</title>"
+      "<style>b</style></head><body>";
+  const std::string xhtml = head +
+                            "<style a=\"b\">c<b>d</b><?e f?><!-- g --></style>h<title>i"
+                            "</title><svg xmlns=\"http://www.w3.org/2000/svg\"><style>j"
+                            "</style><script>k</script><title>l</title></svg></body></html>";
+  EXPECT_EQ(canonical(xhtml, kTidyHTML),
+            head +
+                "<style a=\"b\"></style>h<title></title>"
+                "<svg xmlns=\"http://www.w3.org/2000/svg\"><style></style><script></script>"
+                "<title>l</title></svg></body></html>");
+  auto document = parsed(
+      "<html xmlns='http://www.w3.org/1999/xhtml'><style><!-- a --></style></html>", kTidyHTML);
+  EXPECT_EQ(document->canonicalXMLStringPreservingComments(true)->lossyUTF8(),
+            "<html xmlns=\"http://www.w3.org/1999/xhtml\"><style></style></html>");
+  EXPECT_EQ(between(canonical(xhtml, kTidyBoth), "<body>", "h"),
+            "<style a=\"b\">c<b>d</b><?e f?></style>");
+}
+
 TEST(NSXMLDocument, OtherXMLIsHTMLWithoutTheXMLOption) {
   EXPECT_EQ(bodyOf("<note> a  b <c/></note>"), "<note>a b<c></c></note>");
   EXPECT_EQ(bodyOf("<html><body><p>a</p><p>b</p></body></html>"), "<p>a</p>\n<p>b</p>");

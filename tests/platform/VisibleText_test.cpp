@@ -23,6 +23,8 @@ TEST(VisibleText, OnePassFindsWhatTheWholeChainFinds) {
         "<html><head><title>a</title></head><body><p>b</p><p>c</p></body></html>",
         "<html xmlns='http://www.w3.org/1999/xhtml'><head>a</head><p>b</p><p>c</p>"
         "<noframes>d</noframes><script>e</script></html>",
+        "<html xmlns='http://www.w3.org/1999/xhtml'>a<style>b<noframes>c</noframes></style>d"
+        "<title>e</title><svg xmlns='http://www.w3.org/2000/svg'><style>f</style></svg></html>",
         "<note><head>a</head>b<script>c</script></note>", "<h:html xmlns:h='urn:x'>a</h:html>",
         "<table><noframes>a</table></noframes>b", "\xEF\xBB\xBFx", "<pre>\n a\n</pre>b"}) {
     SCOPED_TRACE(input);

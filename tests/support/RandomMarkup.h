@@ -91,12 +91,17 @@ inline std::string randomHTML(std::mt19937& random) {
 
 /// A well-formed element with what is inside.
 inline std::string randomXML(std::mt19937& random, int depth = 0) {
-  static const char* const kNames[] = {"head", "script", "noframes", "p",  "b",
-                                       "html", "body",   "table",    "td", "title"};
+  static const char* const kNames[] = {"head", "script", "noframes", "p",     "b",     "html",
+                                       "body", "table",  "td",       "title", "style", "svg"};
   static const char* const kTexts[] = {"text ", " ", "&amp;", "&#13;",  "<!-- c -->",   "<?p d?>",
                                        "é",     "",  "\n",    "&#160;", "<![CDATA[<]]>"};
-  static const char* const kSpaces[] = {
-      "", "", "", " xmlns='http://www.w3.org/1999/xhtml'", " xmlns=''", " xmlns='urn:x' k='v'"};
+  static const char* const kSpaces[] = {"",
+                                        "",
+                                        "",
+                                        " xmlns='http://www.w3.org/1999/xhtml'",
+                                        " xmlns=''",
+                                        " xmlns='urn:x' k='v'",
+                                        " xmlns='http://www.w3.org/2000/svg'"};
   const bool isRoot = depth == 0;
   const std::string name = isRoot ? "html" : kNames[random() % std::size(kNames)];
   std::string xml = "<" + name + kSpaces[isRoot ? 2 + random() % 2 : random() % std::size(kSpaces)];

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "host/defaults/DefaultsCommand.h"
+#include "host/import/AttributesCommand.h"
 #include "host/import/ImportCommand.h"
 #include "host/import/ImportersCommand.h"
 #include "platform/preferences/NSUserDefaults.h"
@@ -17,6 +18,7 @@ using MakeCommand = std::unique_ptr<Command> (*)();
 constexpr MakeCommand kCommands[] = {
     makeImportCommand,
     makeImportersCommand,
+    makeAttributesCommand,
     makeDefaultsCommand,
 };
 

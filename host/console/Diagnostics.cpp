@@ -9,8 +9,26 @@ constexpr SpecialCharacters kSpecialInLog("");
 
 }  // namespace
 
+/// Room for whole lines: the status line is out of the way while it lives.
+class Diagnostics::Lines {
+ public:
+  explicit Lines(Diagnostics& diagnostics) : _held(diagnostics._lock), _diagnostics(diagnostics) {
+    if (!_diagnostics._status.empty()) _diagnostics._output.write("\r\x1B[K");
+  }
+  ~Lines() {
+    _diagnostics._output.write(_diagnostics._status);
+    _diagnostics._output.flush();
+  }
+  Lines(const Lines&) = delete;
+  Lines& operator=(const Lines&) = delete;
+
+ private:
+  const std::lock_guard<std::mutex> _held;
+  Diagnostics& _diagnostics;
+};
+
 void Diagnostics::failure(std::string_view path, NSString* reason) {
-  std::lock_guard held(_lock);
+  const Lines lines(*this);
   _output.write("ferncase: ");
   if (path.empty())
     _output.write("''");
@@ -19,25 +37,22 @@ void Diagnostics::failure(std::string_view path, NSString* reason) {
   _output.write(": ");
   writeOnOneLine(_output, reason);
   _output.write('\n');
-  _output.flush();
 }
 
 void Diagnostics::message(std::string_view utf8) {
-  std::lock_guard held(_lock);
+  const Lines lines(*this);
   _output.write("ferncase: ");
   writePath(_output, utf8);
   _output.write('\n');
-  _output.flush();
 }
 
 void Diagnostics::text(std::string_view ours) {
-  std::lock_guard held(_lock);
+  const Lines lines(*this);
   _output.write(ours);
-  _output.flush();
 }
 
 void Diagnostics::log(NSString* text) {
-  std::lock_guard held(_lock);
+  const Lines lines(*this);
   _output.write("log: ");
   writeUTF8(_output, text, kSpecialInLog, [this](char16_t unit, char16_t) {
     if (unit == '\n')
@@ -46,7 +61,11 @@ void Diagnostics::log(NSString* text) {
       writeUnitEscape(_output, unit);
   });
   _output.write('\n');
-  _output.flush();
+}
+
+void Diagnostics::status(std::string_view ours) {
+  const Lines lines(*this);
+  _status = ours;
 }
 
 }  // namespace kbx

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <mutex>
+#include <string>
 #include <string_view>
 
 #include "host/console/Output.h"
@@ -23,10 +24,16 @@ class Diagnostics {
   void text(std::string_view ours);
   /// "log: text"; further lines of the text are indented by four blanks.
   void log(NSString* text);
+  /// Keeps a line of our own words below all others, on a terminal alone; empty for none. It goes
+  /// away while another line is written.
+  void status(std::string_view ours);
 
  private:
+  class Lines;
+
   std::mutex _lock;
   Output& _output;
+  std::string _status;
 };
 
 }  // namespace kbx

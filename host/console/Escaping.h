@@ -12,12 +12,14 @@
 
 namespace kbx {
 
-/// Controls (C0, DEL, C1), separators that some programs take for line breaks, and formatting
-/// characters that turn the direction of text around or hide it. Surrogates are no subject here.
+/// Controls (C0, DEL, C1), separators that some programs take for line breaks, formatting
+/// characters that turn the direction of text around or hide it, and what is no character.
+/// Surrogates are no subject here.
 constexpr bool isUnsafeUnit(char16_t unit) {
   if (unit < 0xA0) return unit < 0x20 || unit >= 0x7F;
   return unit == 0x061C || unit == 0x200E || unit == 0x200F || (unit >= 0x2028 && unit <= 0x202E) ||
-         (unit >= 0x2066 && unit <= 0x206F) || unit == 0xFEFF || (unit >= 0xFFF9 && unit <= 0xFFFB);
+         (unit >= 0x2066 && unit <= 0x206F) || unit == 0xFEFF ||
+         (unit >= 0xFFF9 && unit <= 0xFFFB) || unit >= 0xFFFE;
 }
 
 /// Writes \t, \n, \r or \u and four hexadecimal digits.
@@ -30,7 +32,7 @@ class SpecialCharacters {
     for (char16_t unit = 0; unit < 0x80; ++unit)
       _mayBegin[unit] =
           isUnsafeUnit(unit) || more.find(static_cast<char>(unit)) != std::string_view::npos;
-    for (char16_t unit = 0x80; unit < 0xFFFF; ++unit)
+    for (char16_t unit = 0x80; unit != 0; ++unit)
       if (isUnsafeUnit(unit)) _mayBegin[unit < 0x800 ? 0xC0 | unit >> 6 : 0xE0 | unit >> 12] = true;
   }
   constexpr bool contains(char16_t unit) const {

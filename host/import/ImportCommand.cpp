@@ -4,6 +4,9 @@
 #include <optional>
 
 #include "host/console/Interruption.h"
+#include "host/console/Progress.h"
+#include "host/console/StandardStreams.h"
+#include "host/console/Terminal.h"
 #include "host/import/InputFiles.h"
 #include "host/import/PathList.h"
 #include "host/results/AttributeFilter.h"
@@ -26,10 +29,16 @@ struct Options {
   bool isNulSeparated = false;
   bool isJSON = false;
   bool isLines = false;
+  bool isPropertyList = false;
   bool isForced = false;
   bool isRaw = false;
   bool isVerbose = false;
 };
+
+/// Results that appear on a terminal show the progress themselves, and must not be written over.
+unsigned columnsForProgress() {
+  return terminalColumns(kStandardOutput) ? 0 : terminalColumns(kStandardError);
+}
 
 /// Raised where standard output takes no more: nobody needs the other results.
 struct OutputFailed {};
@@ -38,7 +47,10 @@ struct OutputFailed {};
 class ImportResults {
  public:
   ImportResults(const AttributeFilter& filter, Results& results, Console& console)
-      : _filter(filter), _results(results), _console(console) {}
+      : _filter(filter),
+        _results(results),
+        _console(console),
+        _progress(console.diagnostics, columnsForProgress()) {}
 
   /// Raises OutputFailed.
   void take(const Input& input, NSDictionary* attributes, NSError* error);
@@ -51,6 +63,7 @@ class ImportResults {
   const AttributeFilter& _filter;
   Results& _results;
   Console& _console;
+  Progress _progress;
   bool _hasDelivered = false;
   bool _hasFailures = false;
 };
@@ -64,6 +77,7 @@ void ImportResults::take(const Input& input, NSDictionary* attributes, NSError* 
     _results.failed(input.path, error);
     _console.diagnostics.failure(input.path, error->localizedDescription());
   }
+  _progress.count(attributes != nullptr);
   if (!_console.output.flush()) throw OutputFailed();
 }
 
@@ -92,9 +106,9 @@ class ImportCommand final : public Command {
 };
 
 std::string_view ImportCommand::notes() const {
-  return "A folder stands for the .eml files in it and in the folders inside it. - reads a "
-         "message\n"
-         "from standard input. -- ends the options.\n"
+  return "A folder stands for the messages in it and in the folders inside it: .eml and .emlx "
+         "files,\n"
+         "and what a Maildir holds. - reads a message from standard input. -- ends the options.\n"
          "\n"
          "-Key VALUE sets one of the user's defaults for this run.\n"
          "\n"
@@ -107,6 +121,7 @@ void ImportCommand::declareOptions(CLI::App& options) {
       ->type_name("BUNDLE");
   options.add_flag("--json", _options.isJSON, "Print one JSON array");
   options.add_flag("--ndjson", _options.isLines, "Print one JSON object a line, at once");
+  options.add_flag("--plist", _options.isPropertyList, "Print one XML property list");
   options.add_flag("--raw-fallback", _options.isRaw,
                    "Let the importer answer with the raw text of a message");
   options.add_flag("--force", _options.isForced, "Use the mail importer (the default)");
@@ -135,10 +150,8 @@ void ImportCommand::declareOptions(CLI::App& options) {
 
 void ImportCommand::checkUsage(const std::vector<std::string>& operands) const {
   if (operands.empty() && _options.pathList.empty()) throw UsageError("import needs a PATH");
-  if (_options.isJSON && _options.isLines)
-    throw UsageError("--json and --ndjson exclude each other");
-  if (_options.isBare && (_options.isJSON || _options.isLines))
-    throw UsageError("--raw excludes --json and --ndjson");
+  if (_options.isJSON + _options.isLines + _options.isPropertyList + _options.isBare > 1)
+    throw UsageError("--json, --ndjson, --plist and --raw exclude each other");
   if (_options.isBare && _options.filter.names.empty()) throw UsageError("--raw needs --name");
   if (_options.isForced && _options.isRaw)
     throw UsageError("--force and --raw-fallback exclude each other");
@@ -150,6 +163,7 @@ void ImportCommand::checkUsage(const std::vector<std::string>& operands) const {
 
 std::unique_ptr<Results> ImportCommand::makeResults(Output& output, bool hasSeveral) const {
   if (_options.isJSON) return makeJSONResults(output);
+  if (_options.isPropertyList) return makePropertyListResults(output);
   if (_options.isLines) return makeLineResults(output);
   if (_options.isBare) return makeRawValues(output, _options.filter.names, _options.nullMarker);
   return makeTextResults(output, hasSeveral);

@@ -3,6 +3,7 @@
 #include "host/console/Escaping.h"
 #include "host/results/AttributeText.h"
 #include "host/results/JSONWriter.h"
+#include "host/results/PropertyListWriter.h"
 #include "platform/files/FileNames.h"
 
 namespace kbx {
@@ -77,6 +78,48 @@ class JSONResults final : public Results {
   JSONWriter _json;
 };
 
+class PropertyListResults final : public Results {
+ public:
+  explicit PropertyListResults(Output& output) : _list(output) {}
+
+  void begin() override {
+    _list.begin();
+    _list.beginArray();
+  }
+  void delivered(const std::string& path, NSDictionary* attributes) override {
+    beginEntry(path);
+    _list.key("attributes"_ns);
+    _list.value(attributes);
+    _list.endDictionary();
+  }
+  void failed(const std::string& path, NSError* error) override {
+    beginEntry(path);
+    _list.key("error"_ns);
+    _list.beginDictionary();
+    _list.key("code"_ns);
+    _list.integer(error->code());
+    _list.key("description"_ns);
+    _list.string(error->localizedDescription());
+    _list.key("domain"_ns);
+    _list.string(error->domain());
+    _list.endDictionary();
+    _list.endDictionary();
+  }
+  void end() override {
+    _list.endArray();
+    _list.end();
+  }
+
+ private:
+  void beginEntry(const std::string& path) {
+    _list.beginDictionary();
+    _list.key("path"_ns);
+    _list.path(path);
+  }
+
+  PropertyListWriter _list;
+};
+
 class LineResults final : public Results {
  public:
   explicit LineResults(Output& output) : _output(output) {}
@@ -104,6 +147,10 @@ std::unique_ptr<Results> makeTextResults(Output& output, bool hasHeadings) {
 
 std::unique_ptr<Results> makeJSONResults(Output& output) {
   return std::make_unique<JSONResults>(output);
+}
+
+std::unique_ptr<Results> makePropertyListResults(Output& output) {
+  return std::make_unique<PropertyListResults>(output);
 }
 
 std::unique_ptr<Results> makeLineResults(Output& output) {

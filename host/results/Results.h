@@ -27,6 +27,8 @@ class Results {
 std::unique_ptr<Results> makeTextResults(Output& output, bool hasHeadings);
 /// One array of objects, indented.
 std::unique_ptr<Results> makeJSONResults(Output& output);
+/// One XML property list, an array of dictionaries. A path that no text can hold is data.
+std::unique_ptr<Results> makePropertyListResults(Output& output);
 /// One object a line.
 std::unique_ptr<Results> makeLineResults(Output& output);
 

@@ -85,15 +85,19 @@ TEST(CommandLine, WrongUsageIsToldWithAHint) {
         {{"import", "--importer"}, "--importer: 1 required BUNDLE missing", "import --help"},
         {{"import", "--importer", "", "a"}, "--importer needs a BUNDLE", "import --help"},
         {{"import", "--json", "--ndjson", "a"},
-         "--json and --ndjson exclude each other",
+         "--json, --ndjson, --plist and --raw exclude each other",
          "import --help"},
         {{"import", "--force", "--raw-fallback", "a"},
          "--force and --raw-fallback exclude each other",
          "import --help"},
         {{"import", "--raw", "a"}, "--raw needs --name", "import --help"},
         {{"import", "--raw", "--name", "x", "--json", "a"},
-         "--raw excludes --json and --ndjson",
+         "--json, --ndjson, --plist and --raw exclude each other",
          "import --help"},
+        {{"import", "--plist", "--ndjson", "a"},
+         "--json, --ndjson, --plist and --raw exclude each other",
+         "import --help"},
+        {{"attributes", "x"}, "attributes takes no x", "attributes --help"},
         {{"import", "--stage=nowhere", "a"}, "--stage is private or beside", "import --help"}}) {
     auto answer = run(arguments);
     EXPECT_EQ(answer.code, kMisused);

@@ -43,5 +43,18 @@ TEST(Diagnostics, FurtherLinesOfTheLogAreIndented) {
   EXPECT_EQ(said.output.text(), "log: one\n    ferncase: two\\u001b\n");
 }
 
+TEST(Diagnostics, TheStatusStaysBelowOtherLines) {
+  Said said;
+  said.diagnostics.status("1 done");
+  said.diagnostics.message("x");
+  said.diagnostics.log("y"_ns);
+  said.diagnostics.status("2 done");
+  said.diagnostics.status("");
+  said.diagnostics.message("z");
+  const std::string erase = "\r\x1B[K";
+  EXPECT_EQ(said.output.text(), "1 done" + erase + "ferncase: x\n1 done" + erase +
+                                    "log: y\n1 done" + erase + "2 done" + erase + "ferncase: z\n");
+}
+
 }  // namespace
 }  // namespace kbx

@@ -1,13 +1,19 @@
 // The whole command as a user runs it, with the importer that the build made.
 #include "host/import/ImportCommand.h"
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
+#include <cstdlib>
 #include <map>
 #include <nlohmann/json.hpp>
 
+#include "platform/objects/NSArray.h"
+#include "platform/objects/NSDictionary.h"
+#include "platform/propertylists/NSPropertyListSerialization.h"
 #include "platform/text/TextDetection.h"
 #include "tests/support/Process.h"
 #include "tests/support/Text.h"
@@ -105,6 +111,53 @@ TEST_F(ImportCommandTest, TheArrayHoldsWhatTheLinesHold) {
   EXPECT_EQ(array, json(runLines(inputs)));
   EXPECT_EQ(array.size(), 3u);
   EXPECT_EQ(array[1].at("error").at("code"), 260);
+}
+
+TEST_F(ImportCommandTest, ThePropertyListHoldsWhatTheArrayHolds) {
+  _folder.write("a.eml", "<&>\xC3\xA4\xF0\x9F\x98\x80\r\n");
+  _folder.write("caf\xE9.eml", "b");
+  auto [code, output, complaints] = run({"--plist", "a.eml", "missing.eml", "caf\xE9.eml"});
+  EXPECT_EQ(code, 3);
+  auto list = NSPropertyListSerialization::propertyListWithData(
+      data(output), NSPropertyListImmutable, nullptr, nullptr);
+  ASSERT_TRUE(cast<NSArray>(list)) << output;
+  const json array = json::parse(run({"--json", "a.eml"}).output);
+  auto* entries = cast<NSArray>(list);
+  ASSERT_EQ(entries->count(), 3u);
+  auto* first = cast<NSDictionary>(entries->objectAtIndex(0));
+  EXPECT_EQ(text(first->objectForKey("path"_ns)), "a.eml");
+  auto* attributes = cast<NSDictionary>(first->objectForKey("attributes"_ns));
+  EXPECT_EQ(text(attributes->objectForKey("kMDItemTextContent"_ns)), textOf(array[0]));
+  auto* error =
+      cast<NSDictionary>(cast<NSDictionary>(entries->objectAtIndex(1))->objectForKey("error"_ns));
+  EXPECT_EQ(text(error->objectForKey("code"_ns)), "260");
+  EXPECT_EQ(text(error->objectForKey("domain"_ns)), "NSCocoaErrorDomain");
+  auto* path = cast<NSData>(cast<NSDictionary>(entries->objectAtIndex(2))->objectForKey("path"_ns));
+  EXPECT_EQ(text(path), "caf\xE9.eml");
+}
+
+/// What a terminal behind standard error is sent.
+std::string sentToTerminal(Process& command) {
+  const int terminal = ::posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC);
+  if (terminal < 0 || ::grantpt(terminal) || ::unlockpt(terminal))
+    throw std::runtime_error("no terminal");
+  const int side = ::open(::ptsname(terminal), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  command.complaintsTo(side).run();
+  ::close(side);
+  std::string sent(1 << 16, '\0');
+  const auto count = ::read(terminal, sent.data(), sent.size());
+  ::close(terminal);
+  sent.resize(count > 0 ? static_cast<std::size_t>(count) : 0);
+  return sent;
+}
+
+TEST_F(ImportCommandTest, OnATerminalErrorsAreLinesOfTheirOwn) {
+  _folder.write("a.eml", kMessage);
+  auto process = command({"--ndjson", "a.eml", "gone.eml"});
+  process.folder(_folder.path()).variable("TERM=xterm");
+  const std::string sent = sentToTerminal(process);
+  EXPECT_THAT(sent, StartsWith("ferncase: gone.eml: "));
+  EXPECT_THAT(sent, EndsWith("\r\n"));
 }
 
 TEST_F(ImportCommandTest, EachBadInputIsOneErrorAndTheOthersAreDelivered) {

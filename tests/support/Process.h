@@ -43,6 +43,11 @@ class Process {
     _hasOutput = false;
     return *this;
   }
+  /// Standard error goes to this descriptor.
+  Process& complaintsTo(int descriptor) {
+    _complaints = descriptor;
+    return *this;
+  }
   /// The folder in which it runs.
   Process& folder(const std::filesystem::path& path) {
     _folder = path.string();
@@ -59,7 +64,10 @@ class Process {
       ::posix_spawn_file_actions_adddup2(&actions, _output, 1);
     else
       ::posix_spawn_file_actions_addclose(&actions, 1);
-    open(actions, 2, "err", O_WRONLY);
+    if (_complaints >= 0)
+      ::posix_spawn_file_actions_adddup2(&actions, _complaints, 2);
+    else
+      open(actions, 2, "err", O_WRONLY);
     if (!_folder.empty()) ::posix_spawn_file_actions_addchdir_np(&actions, _folder.c_str());
     const pid_t process = spawn(actions);
     ::posix_spawn_file_actions_destroy(&actions);
@@ -101,6 +109,7 @@ class Process {
   std::vector<std::string> _variables;
   std::string _folder;
   int _output = -1;
+  int _complaints = -1;
   bool _hasOutput = true;
   TemporaryFolder _files;
 };

@@ -1,0 +1,34 @@
+// Progress: how far a long command is, for whoever sits in front of it.
+#pragma once
+
+#include <cstdint>
+
+#include "host/console/Diagnostics.h"
+
+namespace kbx {
+
+/// Keeps a status line, "120 done, 60 a second, 2 failed", from half a second on until it ends.
+class Progress {
+ public:
+  /// columns  how many the terminal has; 0 to say nothing at all
+  Progress(Diagnostics& diagnostics, unsigned columns);
+  /// Takes the line away.
+  ~Progress();
+  Progress(const Progress&) = delete;
+  Progress& operator=(const Progress&) = delete;
+
+  /// One more is done, for better or worse.
+  void count(bool isDelivered);
+
+ private:
+  void show(double seconds);
+
+  Diagnostics& _diagnostics;
+  const unsigned _columns;
+  const double _start;  // as the clock says
+  double _shown = 0;    // seconds after it
+  std::uint64_t _done = 0;
+  std::uint64_t _failed = 0;
+};
+
+}  // namespace kbx

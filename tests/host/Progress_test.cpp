@@ -1,0 +1,76 @@
+#include "host/console/Progress.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/FakeClock.h"
+#include "tests/support/Text.h"
+
+namespace kbx {
+namespace {
+
+struct Shown {
+  FakeClock clock{1000};
+  ScopedService<Clock> installed{clock};
+  StringOutput output;
+  Diagnostics diagnostics{output};
+};
+
+constexpr char kErase[] = "\r\x1B[K";
+
+TEST(Progress, AShortCommandShowsNone) {
+  Shown shown;
+  {
+    Progress progress(shown.diagnostics, 80);
+    shown.clock.seconds = 1000.4;
+    progress.count(true);
+  }
+  EXPECT_EQ(shown.output.text(), "");
+}
+
+TEST(Progress, TheLineTellsDoneRateAndFailuresAndIsTakenAway) {
+  Shown shown;
+  {
+    Progress progress(shown.diagnostics, 80);
+    for (int i = 0; i < 99; ++i) progress.count(true);
+    shown.clock.seconds = 1000.5;
+    progress.count(true);
+    EXPECT_EQ(shown.output.text(), "100 done, 200 a second");
+    shown.clock.seconds = 1000.55;
+    progress.count(true);
+    EXPECT_EQ(shown.output.text(), "100 done, 200 a second") << "not more often than can be read";
+    shown.clock.seconds = 1002;
+    progress.count(false);
+    EXPECT_EQ(shown.output.text(),
+              "100 done, 200 a second" + std::string(kErase) + "102 done, 51 a second, 1 failed");
+  }
+  EXPECT_TRUE(shown.output.text().ends_with("1 failed" + std::string(kErase)));
+}
+
+TEST(Progress, WithoutATerminalNothingIsSaid) {
+  Shown shown;
+  {
+    Progress progress(shown.diagnostics, 0);
+    shown.clock.seconds = 2000;
+    progress.count(false);
+  }
+  EXPECT_EQ(shown.output.text(), "");
+}
+
+TEST(Progress, ANarrowTerminalGetsWhatFitsIt) {
+  Shown shown;
+  Progress progress(shown.diagnostics, 9);
+  shown.clock.seconds = 1001;
+  progress.count(true);
+  EXPECT_EQ(shown.output.text(), "1 done, ");
+}
+
+TEST(Progress, AClockThatIsSetBackDoesNotMatter) {
+  Shown shown;
+  Progress progress(shown.diagnostics, 80);
+  shown.clock.seconds = 10;
+  progress.count(true);
+  EXPECT_EQ(shown.output.text(), "");
+}
+
+}  // namespace
+}  // namespace kbx

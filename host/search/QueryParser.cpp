@@ -1,0 +1,62 @@
+#include "host/search/QueryParser.h"
+
+#include "host/search/AttributeQuery.h"
+#include "host/search/WordQuery.h"
+
+namespace kbx {
+namespace {
+
+constexpr std::string_view kBlanks = " \t\n\v\f\r";
+
+bool isNameByte(char c) {
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == '_' ||
+         c == '.' || c == '*';
+}
+
+/// The name that ends right before a place, blanks between left out.
+std::string_view nameBefore(std::string_view text, std::size_t place) {
+  while (place > 0 && kBlanks.find(text[place - 1]) != std::string_view::npos) --place;
+  std::size_t begin = place;
+  while (begin > 0 && isNameByte(text[begin - 1])) --begin;
+  return text.substr(begin, place - begin);
+}
+
+bool beginsValue(std::string_view text) {
+  if (text.starts_with('=')) text.remove_prefix(1);
+  const std::size_t first = text.find_first_not_of(kBlanks);
+  return first != std::string_view::npos &&
+         std::string_view("\"'$+-0123456789").find(text[first]) != std::string_view::npos;
+}
+
+bool isOperatorAt(std::string_view text, std::size_t place) {
+  const std::string_view rest = text.substr(place);
+  for (std::string_view sign : {"==", "!=", "&&", "||", "InRange("})
+    if (rest.starts_with(sign)) return true;
+  if (rest[0] == '<' || rest[0] == '>')
+    return !nameBefore(text, place).empty() && beginsValue(rest.substr(1));
+  if (rest[0] != '=') return false;
+  const std::string_view name = nameBefore(text, place);
+  return name.starts_with("kMDItem") || name.starts_with("com_apple_") ||
+         name.starts_with("org_ferncase_");
+}
+
+}  // namespace
+
+bool isAttributeQuery(std::string_view text) {
+  bool isQuoted = false;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if (text[i] == '"') isQuoted = !isQuoted;
+    if (!isQuoted && isOperatorAt(text, i)) return true;
+  }
+  return false;
+}
+
+QueryNode parseQuery(std::string_view text) {
+  if (text.size() > kLongestQuery)
+    throw QueryFault("the query has more than " + std::to_string(kLongestQuery) + " bytes", 0, 1);
+  if (text.find_first_not_of(kBlanks) == std::string_view::npos)
+    throw QueryFault("the query is empty", 0, 1, "*");
+  return isAttributeQuery(text) ? parseAttributeQuery(text) : parseWordQuery(text);
+}
+
+}  // namespace kbx

@@ -12,7 +12,7 @@ namespace kbx {
 /// What a query may have at most; more is a fault.
 inline constexpr std::size_t kLongestQuery = 16 << 10;  // bytes
 inline constexpr std::size_t kMostTerms = 256;
-inline constexpr int kDeepestQuery = 48;  // parentheses and negations within each other
+inline constexpr int kDeepestQuery = 20;  // parentheses and negations within each other
 
 /// The tree of a query in the language of docs/search.md: of words, or of attributes where it
 /// holds an operator. Dates are taken at the present moment by Clock and LocalTime.

@@ -56,7 +56,7 @@ class WordParser {
   QueryNode dateValue(std::string_view word, std::size_t begin);
   QueryNode flagValue(std::string_view word, std::size_t begin);
 
-  bool isAtKeyword(std::string_view keyword) const { return _scanner.peekWord() == keyword; }
+  bool isAtKeyword(std::string_view keyword) const { return _scanner.isAtWord(keyword); }
   /// Whether nothing follows, in this group at least, that could be a term.
   bool isAtEndOfGroup();
   bool isNegationSign() const;

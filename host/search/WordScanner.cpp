@@ -12,6 +12,9 @@ constexpr std::array<std::string_view, 6> kQuotes{"\"", "“", "”", "„", "«
 constexpr std::array<std::string_view, 8> kBlanks{" ",  "\t", "\n",     "\r",
                                                   "\v", "\f", "\u00A0", "\u3000"};
 
+/// Whether neither a blank nor a quote begins with the byte.
+bool isPlain(char byte) { return byte > ' ' && byte < 0x7F && byte != '"'; }
+
 template <std::size_t N>
 std::size_t lengthOfAny(const std::array<std::string_view, N>& marks, std::string_view text) {
   for (std::string_view mark : marks)
@@ -35,10 +38,17 @@ void WordScanner::skipBlanks() {
 
 std::string_view WordScanner::peekWord() const {
   std::size_t end = _place;
-  while (end < _text.size() && _text[end] != '(' && _text[end] != ')' && quoteLength(end) == 0 &&
-         blankLength(end) == 0)
+  while (end < _text.size() && _text[end] != '(' && _text[end] != ')' &&
+         (isPlain(_text[end]) || (quoteLength(end) == 0 && blankLength(end) == 0)))
     ++end;
   return _text.substr(_place, end - _place);
+}
+
+bool WordScanner::isAtWord(std::string_view word) const {
+  if (!_text.substr(std::min(_place, _text.size())).starts_with(word)) return false;
+  const std::size_t end = _place + word.size();
+  return end == _text.size() || _text[end] == '(' || _text[end] == ')' || quoteLength(end) > 0 ||
+         blankLength(end) > 0;
 }
 
 std::string_view WordScanner::takePhrase() {

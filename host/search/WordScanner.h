@@ -27,6 +27,8 @@ class WordScanner {
 
   /// What stands from here to the next blank, parenthesis or quote; may be empty.
   std::string_view peekWord() const;
+  /// Whether peekWord() is this word.
+  bool isAtWord(std::string_view word) const;
   /// What stands between the quote here and the next one, which is passed.
   ///
   /// Raises QueryFault when there is no other.

@@ -110,6 +110,11 @@ Statement& Statement::bindNothing(int index) {
   return *this;
 }
 
+Statement& Statement::bindPointer(int index, void* object, const char* type) {
+  sqlite3_bind_pointer(_handle, index, object, type, nullptr);
+  return *this;
+}
+
 Statement::Step Statement::step(Ref<NSError>* error) {
   const int result = _handle ? sqlite3_step(_handle) : SQLITE_ERROR;
   if (result == SQLITE_ROW) return Step::Row;

@@ -74,6 +74,8 @@ class Statement {
   Statement& bind(int index, const char* text) { return bind(index, std::string_view(text)); }
   Statement& bindBytes(int index, std::string_view bytes);
   Statement& bindNothing(int index);
+  /// An object for a function of ours, which SQL takes for NULL.
+  Statement& bindPointer(int index, void* object, const char* type);
   template <class Value>
   Statement& bind(int index, const std::optional<Value>& value) {
     return value ? bind(index, *value) : bindNothing(index);

@@ -20,7 +20,7 @@ TEST(Spelling, OneSlipIsNearInShortWordsAndTwoInLongOnes) {
                                      {"two letters that changed places", "form", "from"},
                                      {"case does not count", "SUBJECT", "subject"},
                                      {"two slips in a long word", "atachmant", "attachment"},
-                                     {"two slips in a short word", "frrm1", ""},
+                                     {"two slips in a short word", "frrn", ""},
                                      {"nothing is left of a short one", "x", ""},
                                      {"unlike everything", "kilometre", ""},
                                      {"empty", "", ""}}) {

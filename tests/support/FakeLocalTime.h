@@ -8,8 +8,8 @@
 
 namespace kbx {
 
-/// A zone that is so many seconds ahead of UTC, and one hour more from the end of March to the end
-/// of October. Install it with ScopedService<LocalTime>.
+/// A zone that is so many seconds ahead of UTC, and one hour more from two in the morning of
+/// April 1 to two of November 1. Install it with ScopedService<LocalTime>.
 class FakeLocalTime final : public LocalTime {
  public:
   explicit FakeLocalTime(double secondsAhead = 0, bool hasSummer = false)
@@ -39,6 +39,7 @@ class FakeLocalTime final : public LocalTime {
   }
 
  private:
+  /// local  without the hour of summer, or with it, except at the changes
   double ahead(double local) const {
     using namespace std::chrono;
     const year_month_day date{sys_days(days(static_cast<int>(std::floor(local / 86400))))};

@@ -14,7 +14,8 @@ enum FerncaseErrorCode : std::int64_t {
   FerncaseImportFailedError = 1,    // the importer gave no attributes
   FerncaseNoMessagesError = 2,      // a folder without a message
   FerncaseImpossiblePathError = 3,  // a path that no file can have
-  FerncaseStagingFailedError = 4    // no private folder, or no link in it
+  FerncaseStagingFailedError = 4,   // no private folder, or no link in it
+  FerncaseWorkerEndedError = 5      // the process that imported crashed, hung or was ended
 };
 
 /// An error of our domain. The description is shown as it is.

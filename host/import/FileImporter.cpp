@@ -6,9 +6,11 @@
 #include <string>
 
 #include "host/console/FerncaseErrors.h"
+#include "host/import/AnswerCheck.h"
 #include "host/import/HTMLBody.h"
 #include "host/import/ImportErrors.h"
 #include "host/import/MessageNames.h"
+#include "platform/files/FileNames.h"
 #include "platform/files/ReadableFile.h"
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSNumber.h"
@@ -57,28 +59,37 @@ Ref<NSString> contentTypeOf(NSURL* file) {
   return typeIdentifier(name.substr(name.rfind('/') + 1), false);
 }
 
-Ref<NSDictionary> FileImporter::attributesOfFile(NSURL* file, Ref<NSError>* error) {
-  const auto size = readableSize(file, error);
+Ref<NSDictionary> FileImporter::attributesOfFile(NSURL* file, NSURL* contents,
+                                                 Ref<NSError>* error) {
+  if (!contents) contents = file;
+  const auto size = readableSize(contents, error);
   if (!size) return nullptr;
-  Ref<NSMutableDictionary> attributes;
-  if (_staging) {
-    attributes = stagedAttributes(file, *size, error);
-  } else {
-    ImportLog::Recording recording;
-    attributes = import(file, file, recording, error);
-  }
+  auto attributes = _staging ? stagedAttributes(file, contents, *size, error)
+                             : plainAttributes(file, contents, error);
   const bool isDoubtful = attributes && !_usesMailImporter && hasEmptyText(attributes);
-  return isDoubtful && !canBeRead(file, error) ? nullptr : attributes;
+  return isDoubtful && !canBeRead(contents, error) ? nullptr : attributes;
 }
 
-Ref<NSMutableDictionary> FileImporter::stagedAttributes(NSURL* file, std::uint64_t size,
-                                                        Ref<NSError>* error) {
-  const StagedMessage staged(_staging->folderForSize(size), file, error);
+Ref<NSMutableDictionary> FileImporter::plainAttributes(NSURL* file, NSURL* contents,
+                                                       Ref<NSError>* error) {
+  ImportLog::Recording recording;
+  if (contents == file) return import(file, file, recording, error);
+  auto folder = stringWithFileSystemRepresentation(folderOf(contents));
+  auto originalFolder = stringWithFileSystemRepresentation(folderOf(file));
+  recording.replacePath(folder, originalFolder);
+  auto attributes = import(file, contents, recording, error);
+  if (attributes) restorePaths(attributes, folder, originalFolder);
+  return attributes;
+}
+
+Ref<NSMutableDictionary> FileImporter::stagedAttributes(NSURL* file, NSURL* contents,
+                                                        std::uint64_t size, Ref<NSError>* error) {
+  const StagedMessage staged(_staging->folderForSize(size), file, contents, error);
   if (!staged.url()) return nullptr;
   ImportLog::Recording recording;
   recording.replacePath(staged.folder(), staged.originalFolder());
   auto attributes = import(file, staged.url(), recording, error);
-  if (attributes) staged.restorePaths(attributes);
+  if (attributes) restorePaths(attributes, staged.folder(), staged.originalFolder());
   return attributes;
 }
 
@@ -91,6 +102,11 @@ Ref<NSMutableDictionary> FileImporter::import(NSURL* file, NSURL* place,
     const bool isImported = _importer.importFile(place, contentTypeOf(file), attributes);
     if (isImported && !tellsOfMailError(recording.lines())) {
       attributes->removeObjectForKey(forceKey());
+      if (const auto fault = faultInAnswer(attributes)) {
+        *error = ferncaseError(FerncaseImportFailedError,
+                               "The importer’s answer can’t be used: " + *fault + ".");
+        return nullptr;
+      }
       addTextOfHTMLBody(attributes);
       return attributes;
     }
@@ -103,6 +119,8 @@ Ref<NSMutableDictionary> FileImporter::import(NSURL* file, NSURL* place,
   } catch (const std::exception& exception) {
     *error = ferncaseError(FerncaseImportFailedError,
                            std::string("The importer failed: ") + exception.what());
+  } catch (...) {
+    *error = ferncaseError(FerncaseImportFailedError, "The importer failed: no reason is known.");
   }
   return nullptr;
 }

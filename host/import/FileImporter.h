@@ -25,14 +25,17 @@ class FileImporter {
 
   /// Absent when the file cannot be read, with the platform's error, or when the importer fails.
   ///
-  /// error  required
+  /// contents  a copy to be read in the file's place, under the same name; nullptr for none
+  /// error     required
   ///
   /// The importer is told the type that the file's name has, links not followed. Paths in what it
   /// finds and logs are those of the file, staged or not.
-  Ref<NSDictionary> attributesOfFile(NSURL* file, Ref<NSError>* error);
+  Ref<NSDictionary> attributesOfFile(NSURL* file, NSURL* contents, Ref<NSError>* error);
 
  private:
-  Ref<NSMutableDictionary> stagedAttributes(NSURL* file, std::uint64_t size, Ref<NSError>* error);
+  Ref<NSMutableDictionary> stagedAttributes(NSURL* file, NSURL* contents, std::uint64_t size,
+                                            Ref<NSError>* error);
+  Ref<NSMutableDictionary> plainAttributes(NSURL* file, NSURL* contents, Ref<NSError>* error);
   Ref<NSMutableDictionary> import(NSURL* file, NSURL* place, const ImportLog::Recording& recording,
                                   Ref<NSError>* error);
 

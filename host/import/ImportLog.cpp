@@ -22,7 +22,7 @@ void ImportLog::write(NSString* message) {
   Ref<NSString> line = descriptionOf(message);
   if (innermost && innermost->_replacedPath)
     line = line->stringByReplacingOccurrences(innermost->_replacedPath, innermost->_shownPath);
-  if (_diagnostics) _diagnostics->log(line);
+  show(line);
   if (!innermost) return;
   if (innermost->_lines.size() == kMostLines) innermost->_lines.pop_front();
   innermost->_lines.push_back(line);

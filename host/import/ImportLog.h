@@ -9,12 +9,12 @@
 namespace kbx {
 
 /// The classic log of this process. Keeps lines for whoever records, and shows them when asked to.
-class ImportLog final : public ClassicLog {
+class ImportLog : public ClassicLog {
  public:
   /// diagnostics  where each line is shown too; nullptr for nowhere
   explicit ImportLog(Diagnostics* diagnostics) : _diagnostics(diagnostics) {}
 
-  void write(NSString* message) override;
+  void write(NSString* message) final;
 
   using Lines = std::deque<Ref<NSString>>;
 
@@ -38,6 +38,12 @@ class ImportLog final : public ClassicLog {
     Ref<NSString> _shownPath;
     Recording* const _outer;
   };
+
+ protected:
+  /// Called for each line when it is written.
+  virtual void show(NSString* line) {
+    if (_diagnostics) _diagnostics->log(line);
+  }
 
  private:
   Diagnostics* const _diagnostics;

@@ -36,7 +36,8 @@ bool ImporterChoice::loadForMessages(std::string* path, std::string* reason) {
   return loaded.bundle != nullptr;
 }
 
-Ref<NSDictionary> ImporterChoice::attributesOfFile(NSURL* file, Ref<NSError>* error) {
+Ref<NSDictionary> ImporterChoice::attributesOfFile(NSURL* file, NSURL* contents,
+                                                   Ref<NSError>* error) {
   const std::string& path = bundleFor(contentTypeOf(file)->lossyUTF8());
   const Loaded& loaded = load(path);
   if (!loaded.bundle) {
@@ -48,7 +49,7 @@ Ref<NSDictionary> ImporterChoice::attributesOfFile(NSURL* file, Ref<NSError>* er
   const bool isMessage = path == bundleFor(kMessageType);
   return FileImporter(*loaded.bundle, isMessage && _messages.usesMailImporter,
                       isMessage ? _messages.staging : nullptr)
-      .attributesOfFile(file, error);
+      .attributesOfFile(file, contents, error);
 }
 
 }  // namespace kbx

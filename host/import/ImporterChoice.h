@@ -29,7 +29,7 @@ class ImporterChoice {
   bool loadForMessages(std::string* path, std::string* reason);
 
   /// As FileImporter answers; an importer that cannot be loaded is an error.
-  Ref<NSDictionary> attributesOfFile(NSURL* file, Ref<NSError>* error);
+  Ref<NSDictionary> attributesOfFile(NSURL* file, NSURL* contents, Ref<NSError>* error);
 
  private:
   struct Loaded {

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 
 namespace kbx {
 
@@ -16,7 +17,11 @@ class ScratchFolder {
   };
 
   explicit ScratchFolder(Place place = Place::Disk);
-  /// Removes it with all that is in it.
+  /// A folder that another process has made for this one, and removes; or why it could not (an
+  /// `errno` value).
+  explicit ScratchFolder(std::string path, int failure = 0)
+      : _path(std::move(path)), _failure(failure) {}
+  /// Removes what it has made, with all that is in it.
   ~ScratchFolder();
   ScratchFolder(const ScratchFolder&) = delete;
   ScratchFolder& operator=(const ScratchFolder&) = delete;

@@ -16,6 +16,9 @@ constexpr std::uint64_t kShareOfFreeMemory = 4;
 
 }  // namespace
 
+Staging::Staging(const ScratchFolder& memory, const ScratchFolder& disk)
+    : _memory(memory.path(), memory.failure()), _disk(std::in_place, disk.path(), disk.failure()) {}
+
 ScratchFolder& Staging::folderForSize(std::uint64_t size) {
   if (fitsIntoMemory(size)) return _memory;
   if (!_disk) _disk.emplace(ScratchFolder::Place::Disk);
@@ -29,13 +32,19 @@ bool Staging::fitsIntoMemory(std::uint64_t size) const {
   return !unknown && size <= space.available / kShareOfFreeMemory;
 }
 
-StagedMessage::StagedMessage(ScratchFolder& folder, NSURL* original, Ref<NSError>* error)
+std::string_view folderOf(NSURL* file) {
+  const std::string_view path = file->fileSystemRepresentation();
+  return path.substr(0, path.rfind('/'));
+}
+
+StagedMessage::StagedMessage(ScratchFolder& folder, NSURL* original, NSURL* contents,
+                             Ref<NSError>* error)
     : _folder(folder) {
   const std::string& path = original->fileSystemRepresentation();
-  const std::size_t slash = path.rfind('/');
-  const std::string link = folder.path() + "/" + path.substr(slash + 1);
+  const std::string link = folder.path() + path.substr(folderOf(original).size());
   std::error_code failure(folder.failure(), std::generic_category());
-  if (!failure) std::filesystem::create_symlink(path, link, failure);
+  if (!failure)
+    std::filesystem::create_symlink(contents->fileSystemRepresentation(), link, failure);
   if (failure) {
     *error = ferncaseError(FerncaseStagingFailedError,
                            "The message can’t be shown to the importer in a private folder: " +
@@ -44,20 +53,20 @@ StagedMessage::StagedMessage(ScratchFolder& folder, NSURL* original, Ref<NSError
   }
   _url = NSURL::fileURLWithFileSystemRepresentation(link, false);
   _folderPath = stringWithFileSystemRepresentation(folder.path());
-  _originalFolder = stringWithFileSystemRepresentation(path.substr(0, slash));
+  _originalFolder = stringWithFileSystemRepresentation(folderOf(original));
 }
 
 StagedMessage::~StagedMessage() {
   if (_url) _folder.clear();
 }
 
-void StagedMessage::restorePaths(NSMutableDictionary* attributes) const {
+void restorePaths(NSMutableDictionary* attributes, NSString* folder, NSString* originalFolder) {
   std::vector<std::pair<Ref<NSObject>, Ref<NSString>>> restored;
   for (const auto& [key, value] : *attributes) {
     auto* text = cast<NSString>(value);
-    if (text && text->hasPrefix(_folderPath))
-      restored.emplace_back(key, _originalFolder->stringByAppendingString(
-                                     text->substringFromIndex(_folderPath->length())));
+    if (text && text->hasPrefix(folder))
+      restored.emplace_back(
+          key, originalFolder->stringByAppendingString(text->substringFromIndex(folder->length())));
   }
   for (const auto& [key, text] : restored) attributes->setObjectForKey(text, key);
 }

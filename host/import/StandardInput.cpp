@@ -1,71 +1,27 @@
 #include "host/import/StandardInput.h"
 
-#include <cerrno>
-#include <cstdint>
-#include <vector>
+#include <string>
 
 #include "host/console/Interruption.h"
+#include "host/import/FileCopy.h"
 #include "platform/files/FileErrors.h"
-#include "platform/files/FileSystem.h"
-#include "platform/files/ReadableFile.h"
 
 namespace kbx {
 namespace {
 
 constexpr int kStandardInput = 0;
 
-struct Failure {
-  FileAction action = FileAction::Reading;
-  int number = 0;  // an `errno` value; 0 for none
-};
-
-int writeAll(int descriptor, const char* bytes, std::int64_t size) {
-  while (size > 0) {
-    const std::int64_t count =
-        FileSystem::current().write(descriptor, bytes, static_cast<std::size_t>(size));
-    if (count <= 0) return count < 0 ? static_cast<int>(-count) : EIO;
-    bytes += count;
-    size -= count;
-  }
-  return 0;
-}
-
-Failure copyTo(int descriptor) {
-  std::vector<char> buffer(1 << 16);
-  std::uint64_t total = 0;
-  while (true) {
-    const std::int64_t count =
-        FileSystem::current().read(kStandardInput, buffer.data(), buffer.size());
-    if (count == 0) return {};
-    if (count < 0) return {FileAction::Reading, static_cast<int>(-count)};
-    total += static_cast<std::uint64_t>(count);
-    if (total > ReadableFile::kLargest) return {FileAction::Reading, EFBIG};
-    if (int number = writeAll(descriptor, buffer.data(), count))
-      return {FileAction::Writing, number};
-  }
-}
-
-Failure copyTo(const std::string& path) {
-  auto& files = FileSystem::current();
-  const Interruption::Allowed whileWaiting;
-  const int descriptor = files.open(path, FileSystem::Opening::CreatingNew);
-  if (descriptor < 0) return {FileAction::Writing, -descriptor};
-  const Failure failure = copyTo(descriptor);
-  const int closed = files.close(descriptor);
-  return failure.number || closed == 0 ? failure : Failure{FileAction::Writing, -closed};
-}
-
 }  // namespace
 
-StandardInput::StandardInput(Ref<NSError>* error) {
-  const std::string path = _folder.path() + "/standard-input.eml";
+void StandardInput::copyTo(const ScratchFolder& folder, Ref<NSError>* error) {
+  const std::string path = folder.path() + "/standard-input.eml";
   auto url = NSURL::fileURLWithFileSystemRepresentation(path, false);
-  const Failure failure =
-      _folder.failure() ? Failure{FileAction::Writing, _folder.failure()} : copyTo(path);
-  if (failure.number == 0)
-    _url = url;
-  else if (error)
-    *error = fileError(url, failure.action, failure.number);
+  if (folder.failure()) {
+    if (error) *error = fileError(url, FileAction::Writing, folder.failure());
+    return;
+  }
+  const Interruption::Allowed whileWaiting;
+  if (copyToNewFile(kStandardInput, path, error)) _url = url;
 }
 
 }  // namespace kbx

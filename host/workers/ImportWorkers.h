@@ -1,15 +1,11 @@
 // ImportWorkers: imports many files, in the order in which they are named.
 #pragma once
 
-#include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 
-#include "host/import/InputFiles.h"
 #include "host/workers/ImportSettings.h"
-#include "platform/objects/NSDictionary.h"
-#include "platform/objects/NSError.h"
+#include "host/workers/Imports.h"
 
 namespace kbx {
 
@@ -18,9 +14,9 @@ namespace kbx {
 class ImportWorkers {
  public:
   /// Gives the next input; absent after the last one.
-  using Next = std::function<std::optional<Input>()>;
+  using Next = Imports::Next;
   /// Takes what became of an input: its attributes, or the reason why there are none.
-  using Take = std::function<void(const Input&, NSDictionary* attributes, NSError* error)>;
+  using Take = Imports::Take;
 
   explicit ImportWorkers(const ImportSettings& settings);
   ~ImportWorkers();
@@ -40,10 +36,7 @@ class ImportWorkers {
   void run(const Next& next, const Take& take);
 
  private:
-  class Way;
-  class InProcess;
-
-  std::unique_ptr<Way> _way;
+  std::unique_ptr<Imports> _imports;
 };
 
 }  // namespace kbx

@@ -26,7 +26,7 @@ class FileImporterTest : public testing::Test {
     std::string reason;
     auto bundle = ImporterBundle::load(fake.bundle(), &reason);
     if (!bundle) throw std::runtime_error(reason);
-    return FileImporter(*bundle, usesMailImporter).attributesOfFile(_file, &_error);
+    return FileImporter(*bundle, usesMailImporter).attributesOfFile(_file, nullptr, &_error);
   }
   /// The domain, the code and the description of the error.
   std::string told() const {

@@ -27,7 +27,7 @@ TEST(ImporterChoice, TheFirstThatDeclaresTheTypeIsAskedAndMessagesAreTheRest) {
                                 {".eml", false}}) {
     SCOPED_TRACE(name);
     Ref<NSError> error;
-    auto attributes = choice.attributesOfFile(folder.write(name, ""), &error);
+    auto attributes = choice.attributesOfFile(folder.write(name, ""), nullptr, &error);
     ASSERT_TRUE(attributes) << text(error->localizedDescription());
     EXPECT_EQ(attributes->objectForKey("LegacyContentType"_ns) != nullptr, isLegacy);
   }
@@ -44,11 +44,11 @@ TEST(ImporterChoice, AnImporterThatCannotBeLoadedCostsItsFilesAlone) {
   ImporterChoice choice({{"/gone.mdimporter", {"public.vcard"}}}, kSecondFactory, {});
   TemporaryFolder folder;
   Ref<NSError> error;
-  EXPECT_FALSE(choice.attributesOfFile(folder.write("a.vcf", ""), &error));
+  EXPECT_FALSE(choice.attributesOfFile(folder.write("a.vcf", ""), nullptr, &error));
   ASSERT_TRUE(error);
   EXPECT_THAT(text(error->localizedDescription()),
               HasSubstr("The importer /gone.mdimporter can’t be loaded: No such file"));
-  EXPECT_TRUE(choice.attributesOfFile(folder.write("a.eml", ""), &error));
+  EXPECT_TRUE(choice.attributesOfFile(folder.write("a.eml", ""), nullptr, &error));
 }
 
 }  // namespace

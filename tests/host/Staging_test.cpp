@@ -26,7 +26,7 @@ class StagingTest : public testing::Test {
     std::string reason;
     auto bundle = ImporterBundle::load(fake.bundle(), &reason);
     if (!bundle) throw std::runtime_error(reason);
-    return FileImporter(*bundle, true, &_staging.value()).attributesOfFile(file, &_error);
+    return FileImporter(*bundle, true, &_staging.value()).attributesOfFile(file, nullptr, &_error);
   }
 
   TemporaryFolder _folder;

@@ -102,9 +102,10 @@ bool ScratchFolder::makeIn(const std::string& parent) {
 }
 
 ScratchFolder::~ScratchFolder() {
+  if (_lock < 0) return;
   std::error_code ignored;
-  if (!_path.empty()) fs::remove_all(_path, ignored);
-  if (_lock >= 0) ::close(_lock);
+  fs::remove_all(_path, ignored);
+  ::close(_lock);
 }
 
 void ScratchFolder::clear() {

@@ -1,0 +1,16 @@
+#include "host/workers/ImporterOfSettings.h"
+
+namespace kbx {
+
+std::string importerPath(const ImportSettings& settings) {
+  return settings.importer.value_or("/Library/Spotlight/FerncaseSpotlightImporter.mdimporter");
+}
+
+ImporterChoice importersFor(const ImportSettings& settings, Staging* staging) {
+  const ImporterChoice::Messages messages{settings.usesMailImporter,
+                                          isStaged(settings) ? staging : nullptr};
+  if (settings.importer) return {{}, importerPath(settings), messages};
+  return {installedImporters(), importerPath(settings), messages};
+}
+
+}  // namespace kbx

@@ -20,7 +20,7 @@ enum class FrameKind : std::uint64_t {
   Attributes,  // values (Values.h)
   Failure,     // an error (Values.h)
   Denied,      // the file cannot be read from within; maybe from without
-  Log          // a line of the classic log, values
+  Log          // a line of the classic log (Values.h)
 };
 
 struct Frame {

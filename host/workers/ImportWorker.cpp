@@ -26,6 +26,8 @@ constexpr std::size_t kManyBytes = 1 << 15;
 constexpr auto kLongWait = std::chrono::milliseconds(10);
 /// A message of this size takes a while, for which results do not wait.
 constexpr std::uint64_t kLargeMessage = 1 << 20;
+/// Bytes that are not kept for the next message.
+constexpr std::size_t kMuchMemory = 1 << 20;
 
 /// Gathers frames on their way to the master.
 class Sender {
@@ -61,8 +63,7 @@ class SentLog final : public ImportLog {
  private:
   void show(NSString* line) override {
     if (!_isShown) return;
-    auto values = NSDictionary::dictionaryWithPairs({{"line"_ns, line}});
-    _sender.add(FrameKind::Log, _progress.number, bytesOfValues(values));
+    _sender.add(FrameKind::Log, _progress.number, bytesOfText(line));
     _sender.flush();
   }
 
@@ -92,6 +93,7 @@ class ImportWorker {
   ImporterChoice _importers;
   std::optional<MessageLimits> _limits;
   FrameReader _reader;
+  std::string _bytes;  // of the answer in hand
 };
 
 ImportWorker::ImportWorker(const WorkerPlace& place, int stream)
@@ -153,11 +155,10 @@ void ImportWorker::answer(std::uint64_t number, NSURL* file, NSURL* contents) {
   if (!attributes && !contents && isNotPermitted(error))
     return _sender.add(FrameKind::Denied, number, "");
   if (!attributes) return _sender.add(FrameKind::Failure, number, bytesOfError(error));
-  const std::string bytes = bytesOfValues(attributes);
-  if (!bytes.empty()) return _sender.add(FrameKind::Attributes, number, bytes);
-  error = ferncaseError(FerncaseImportFailedError,
-                        "The importer’s answer can’t be used: it cannot be written down.");
-  _sender.add(FrameKind::Failure, number, bytesOfError(error));
+  _bytes.clear();
+  appendValues(_bytes, attributes);
+  _sender.add(FrameKind::Attributes, number, _bytes);
+  if (_bytes.capacity() > kMuchMemory) _bytes = {};
 }
 
 }  // namespace

@@ -279,8 +279,7 @@ void ImportsInWorkers::copyAndRepeat(std::uint64_t number) {
 }
 
 void ImportsInWorkers::showLog(std::uint64_t number, std::string_view bytes) {
-  auto values = valuesOfBytes(bytes);
-  auto* line = values ? cast<NSString>(values->objectForKey("line"_ns)) : nullptr;
+  auto line = textOfBytes(bytes);
   if (!line || !_settings.log) return;
   if (number >= _first && number - _first < _jobs.size())
     job(number).log.emplace_back(line);

@@ -1,115 +1,224 @@
 #include "host/workers/Values.h"
 
-#include <cstdlib>
+#include <cstdint>
 #include <cstring>
+#include <utility>
 
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSData.h"
+#include "platform/objects/NSDate.h"
 #include "platform/objects/NSNull.h"
 #include "platform/objects/NSNumber.h"
-#include "platform/propertylists/NSPropertyListSerialization.h"
 
 namespace kbx {
 namespace {
 
-// The mark at the start. In the form that is written around, a text is data of its units behind
-// 'T', data is data behind 'D', a dictionary one of its keys and its values, and an empty one the
-// null marker.
-constexpr char kPlain = 'p';
-constexpr char kAround = 'a';
-constexpr char kText = 'T';
-constexpr char kData = 'D';
+constexpr std::size_t kDeepest = 512;
 
-NSString* keysName() { return "k"_ns; }
-NSString* valuesName() { return "v"_ns; }
+enum class Tag : char {
+  Null = 'n',
+  False = 'f',
+  True = 't',
+  Signed = 'i',
+  Unsigned = 'u',
+  Real = 'r',
+  Date = 'd',
+  Data = 'b',
+  UTF8 = 'c',
+  UTF16 = 'w',  // the length counts units
+  Array = 'a',
+  Dictionary = 'm'  // keys and values by turns; the length counts pairs
+};
 
-Ref<NSObject> around(NSObject* value);
+class Writer {
+ public:
+  explicit Writer(std::string& bytes) : _bytes(bytes) {}
 
-Ref<NSData> marked(char mark, const void* bytes, std::size_t size) {
-  std::string joined(1, mark);
-  joined.append(static_cast<const char*>(bytes), size);
-  return NSData::dataWithBytes(joined);
-}
+  /// Levels are bounded by the check of the answer.
+  void value(NSObject* object);
+  void text(NSString* text);
+  void dictionary(NSDictionary* dictionary);
 
-Ref<NSData> aroundText(NSString* text) {
-  return text->visitUnits([](auto units) {
-    const std::u16string wide(units.begin(), units.end());
-    return marked(kText, wide.data(), wide.size() * sizeof(char16_t));
+ private:
+  void tag(Tag tag) { _bytes += static_cast<char>(tag); }
+  template <class Number>
+  void raw(Number number) {
+    _bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
+  }
+  template <class Element>
+  void run(Tag kind, const Element* elements, std::size_t count) {
+    tag(kind);
+    raw(std::uint64_t{count});
+    _bytes.append(reinterpret_cast<const char*>(elements), count * sizeof(Element));
+  }
+  void number(NSNumber* number);
+  void array(NSArray* array);
+
+  std::string& _bytes;
+};
+
+void Writer::text(NSString* text) {
+  if (const auto kept = text->keptUTF8()) return run(Tag::UTF8, kept->data(), kept->size());
+  text->visitUnits([this](auto units) {
+    run(sizeof units[0] == 1 ? Tag::UTF8 : Tag::UTF16, units.data(), units.size());
   });
 }
 
-Ref<NSDictionary> aroundDictionary(NSDictionary* dictionary) {
-  NSArray::Elements keys, values;
-  for (const auto& [key, value] : *dictionary) {
-    keys.push_back(around(key));
-    values.push_back(around(value));
+void Writer::number(NSNumber* number) {
+  switch (number->kind()) {
+    case NSNumber::Kind::Boolean:
+      return tag(number->boolValue() ? Tag::True : Tag::False);
+    case NSNumber::Kind::Signed:
+      tag(Tag::Signed);
+      return raw(number->integerValue());
+    case NSNumber::Kind::Unsigned:
+      tag(Tag::Unsigned);
+      return raw(number->unsignedIntegerValue());
+    case NSNumber::Kind::Real:
+      tag(Tag::Real);
+      return raw(number->doubleValue());
   }
-  return NSDictionary::dictionaryWithPairs(
-      {{keysName(), NSArray::arrayWithElements(std::move(keys)).get()},
-       {valuesName(), NSArray::arrayWithElements(std::move(values)).get()}});
 }
 
-/// Levels are bounded by the check of the answer.
-Ref<NSObject> around(NSObject* value) {
-  if (auto* text = cast<NSString>(value)) return aroundText(text);
-  if (auto* data = cast<NSData>(value)) return marked(kData, data->bytes(), data->length());
-  if (cast<NSNull>(value)) return NSDictionary::dictionary();
-  if (auto* dictionary = cast<NSDictionary>(value)) return aroundDictionary(dictionary);
-  auto* array = cast<NSArray>(value);
-  if (!array) return value;
-  NSArray::Elements elements;
-  for (const auto& element : *array) elements.push_back(around(element));
-  return NSArray::arrayWithElements(std::move(elements));
+void Writer::array(NSArray* array) {
+  tag(Tag::Array);
+  raw(std::uint64_t{array->count()});
+  for (const auto& element : *array) value(element);
 }
 
-/// Absent for what around() never makes. Levels are bounded by the reader of property lists.
-Ref<NSObject> back(NSObject* value);
+void Writer::dictionary(NSDictionary* dictionary) {
+  tag(Tag::Dictionary);
+  raw(std::uint64_t{dictionary->count()});
+  for (const auto& [key, object] : *dictionary) {
+    value(key);
+    value(object);
+  }
+}
 
-Ref<NSObject> backFromData(NSData* data) {
-  const std::string_view bytes = data->view();
-  if (bytes.empty()) return nullptr;
-  const std::string_view rest = bytes.substr(1);
-  if (bytes.front() == kData) return NSData::dataWithBytes(rest);
-  if (bytes.front() != kText) return nullptr;
-  std::u16string units(rest.size() / sizeof(char16_t), u'\0');
-  std::memcpy(units.data(), rest.data(), units.size() * sizeof(char16_t));
+void Writer::value(NSObject* object) {
+  if (auto* string = cast<NSString>(object)) return text(string);
+  if (auto* count = cast<NSNumber>(object)) return number(count);
+  if (auto* list = cast<NSArray>(object)) return array(list);
+  if (auto* entries = cast<NSDictionary>(object)) return dictionary(entries);
+  if (auto* data = cast<NSData>(object))
+    return run(Tag::Data, data->bytes(), data->length());
+  auto* date = cast<NSDate>(object);
+  if (!date) return tag(Tag::Null);
+  tag(Tag::Date);
+  raw(date->timeIntervalSinceReferenceDate());
+}
+
+class Reader {
+ public:
+  explicit Reader(std::string_view bytes) : _bytes(bytes) {}
+
+  /// Absent for anything that Writer does not write.
+  Ref<NSObject> value(std::size_t level);
+  bool isAtEnd() const { return _bytes.empty(); }
+
+ private:
+  /// False when there are not so many bytes.
+  template <class Number>
+  bool take(Number* number) {
+    if (_bytes.size() < sizeof *number) return false;
+    std::memcpy(number, _bytes.data(), sizeof *number);
+    _bytes.remove_prefix(sizeof *number);
+    return true;
+  }
+  /// A length and that many elements of a size.
+  bool takeRun(std::size_t size, std::string_view* run);
+  /// A number of values, each of which takes a byte at least.
+  bool takeCount(std::uint64_t* count) { return take(count) && *count <= _bytes.size(); }
+  Ref<NSObject> leaf(Tag tag);
+  Ref<NSObject> text16();
+  Ref<NSObject> array(std::size_t level);
+  Ref<NSObject> dictionary(std::size_t level);
+
+  std::string_view _bytes;  // those that are left
+};
+
+bool Reader::takeRun(std::size_t size, std::string_view* run) {
+  std::uint64_t count;
+  if (!take(&count) || count > _bytes.size() / size) return false;
+  *run = _bytes.substr(0, count * size);
+  _bytes.remove_prefix(count * size);
+  return true;
+}
+
+Ref<NSObject> Reader::text16() {
+  std::string_view run;
+  if (!takeRun(sizeof(char16_t), &run)) return nullptr;
+  std::u16string units(run.size() / sizeof(char16_t), u'\0');
+  std::memcpy(units.data(), run.data(), run.size());
   return NSString::stringByTakingUTF16(std::move(units));
 }
 
-Ref<NSObject> backFromDictionary(NSDictionary* dictionary) {
-  if (dictionary->count() == 0) return NSNull::null();
-  auto* keys = cast<NSArray>(dictionary->objectForKey(keysName()));
-  auto* values = cast<NSArray>(dictionary->objectForKey(valuesName()));
-  if (!keys || !values || keys->count() != values->count()) return nullptr;
-  auto found = NSMutableDictionary::dictionary();
-  for (std::size_t i = 0; i < keys->count(); ++i) {
-    auto key = back(keys->objectAtIndex(i)), value = back(values->objectAtIndex(i));
-    if (!cast<NSString>(key) || !value) return nullptr;
-    found->setObjectForKey(value, key);
+Ref<NSObject> Reader::leaf(Tag tag) {
+  std::int64_t integer;
+  std::uint64_t natural;
+  double real;
+  std::string_view run;
+  switch (tag) {
+    case Tag::Null:
+      return NSNull::null();
+    case Tag::False:
+    case Tag::True:
+      return NSNumber::numberWithBool(tag == Tag::True);
+    case Tag::Signed:
+      return take(&integer) ? NSNumber::numberWithInteger(integer) : nullptr;
+    case Tag::Unsigned:
+      return take(&natural) ? NSNumber::numberWithUnsignedInteger(natural) : nullptr;
+    case Tag::Real:
+      return take(&real) ? NSNumber::numberWithDouble(real) : nullptr;
+    case Tag::Date:
+      return take(&real) ? NSDate::dateWithTimeIntervalSinceReferenceDate(real) : nullptr;
+    case Tag::Data:
+      return takeRun(1, &run) ? NSData::dataWithBytes(run) : nullptr;
+    case Tag::UTF8:
+      return takeRun(1, &run) ? NSString::stringWithUTF8(run) : nullptr;
+    case Tag::UTF16:
+      return text16();
+    default:
+      return nullptr;
   }
-  return found;
 }
 
-Ref<NSObject> back(NSObject* value) {
-  if (auto* data = cast<NSData>(value)) return backFromData(data);
-  if (auto* dictionary = cast<NSDictionary>(value)) return backFromDictionary(dictionary);
-  auto* array = cast<NSArray>(value);
-  if (!array) return cast<NSString>(value) ? nullptr : value;
+Ref<NSObject> Reader::array(std::size_t level) {
+  std::uint64_t count;
+  if (level > kDeepest || !takeCount(&count)) return nullptr;
   NSArray::Elements elements;
-  for (const auto& element : *array) {
-    elements.push_back(back(element));
-    if (!elements.back()) return nullptr;
+  for (; count > 0; --count) {
+    auto element = value(level + 1);
+    if (!element) return nullptr;
+    elements.push_back(std::move(element));
   }
   return NSArray::arrayWithElements(std::move(elements));
 }
 
-std::string marked(char mark, NSDictionary* list) {
-  auto bytes = NSPropertyListSerialization::dataWithPropertyList(
-      list, NSPropertyListBinaryFormat_v1_0, 0, nullptr);
-  if (!bytes) return {};
-  std::string joined;
-  joined.reserve(1 + bytes->length());
-  return joined.append(1, mark).append(bytes->view());
+Ref<NSObject> Reader::dictionary(std::size_t level) {
+  std::uint64_t count;
+  if (level > kDeepest || !takeCount(&count)) return nullptr;
+  auto entries = NSMutableDictionary::dictionary();
+  for (; count > 0; --count) {
+    auto key = value(level + 1), object = value(level + 1);
+    if (!cast<NSString>(key) || !object) return nullptr;
+    entries->setObjectForKey(object, key);
+  }
+  return entries;
+}
+
+Ref<NSObject> Reader::value(std::size_t level) {
+  char tag;
+  if (!take(&tag)) return nullptr;
+  if (Tag{tag} == Tag::Array) return array(level);
+  return Tag{tag} == Tag::Dictionary ? dictionary(level) : leaf(Tag{tag});
+}
+
+template <class Kind>
+Ref<Kind> whole(std::string_view bytes) {
+  Reader reader(bytes);
+  auto value = reader.value(1);
+  return reader.isAtEnd() ? Ref<Kind>(cast<Kind>(value)) : nullptr;
 }
 
 NSString* domainName() { return "domain"_ns; }
@@ -118,26 +227,17 @@ NSString* descriptionName() { return "description"_ns; }
 
 }  // namespace
 
-std::string bytesOfValues(NSDictionary* values) {
-  std::string bytes = marked(kPlain, values);
-  return bytes.empty() ? marked(kAround, aroundDictionary(values)) : bytes;
-}
+void appendValues(std::string& bytes, NSDictionary* values) { Writer(bytes).dictionary(values); }
 
-Ref<NSDictionary> valuesOfBytes(std::string_view bytes) {
-  if (bytes.empty()) return nullptr;
-  auto list = NSPropertyListSerialization::propertyListWithData(
-      NSData::dataWithBytes(bytes.substr(1)), NSPropertyListImmutable, nullptr, nullptr);
-  auto* dictionary = cast<NSDictionary>(list);
-  if (!dictionary || bytes.front() == kPlain) return dictionary;
-  if (bytes.front() != kAround) return nullptr;
-  return cast<NSDictionary>(backFromDictionary(dictionary));
-}
+Ref<NSDictionary> valuesOfBytes(std::string_view bytes) { return whole<NSDictionary>(bytes); }
 
 std::string bytesOfError(NSError* error) {
-  return bytesOfValues(NSDictionary::dictionaryWithPairs(
-      {{domainName(), error->domain()},
-       {codeName(), NSNumber::numberWithInteger(error->code()).get()},
-       {descriptionName(), error->localizedDescription().get()}}));
+  std::string bytes;
+  appendValues(bytes, NSDictionary::dictionaryWithPairs(
+                          {{domainName(), error->domain()},
+                           {codeName(), NSNumber::numberWithInteger(error->code()).get()},
+                           {descriptionName(), error->localizedDescription().get()}}));
+  return bytes;
 }
 
 Ref<NSError> errorOfBytes(std::string_view bytes) {
@@ -151,5 +251,13 @@ Ref<NSError> errorOfBytes(std::string_view bytes) {
       domain, code->integerValue(),
       NSDictionary::dictionaryWithPairs({{NSLocalizedDescriptionKey(), description}}));
 }
+
+std::string bytesOfText(NSString* text) {
+  std::string bytes;
+  Writer(bytes).text(text);
+  return bytes;
+}
+
+Ref<NSString> textOfBytes(std::string_view bytes) { return whole<NSString>(bytes); }
 
 }  // namespace kbx

@@ -1,4 +1,9 @@
 // Values: attributes and errors as bytes, on their way between processes.
+//
+// A value is a tag and what follows it: lengths and numbers of 64 bits in this machine's form, the
+// bytes of texts and data, the values in a container. Unlike a property list this holds every text,
+// also with a surrogate alone, and null markers; it is not sorted, shared or checked, so that
+// writing and reading cost little beside an import.
 #pragma once
 
 #include <string>
@@ -9,19 +14,20 @@
 
 namespace kbx {
 
-/// The bytes of a dictionary in which faultInAnswer() finds nothing; empty when they cannot be made
-/// even so.
-///
-/// They are a mark and a binary property list. What such a list cannot hold, text with a surrogate
-/// alone and null markers, is written around.
-std::string bytesOfValues(NSDictionary* values);
-
-/// The dictionary in such bytes; absent for any others. Whoever wrote them need not be trusted.
+/// Adds a dictionary in which faultInAnswer() finds nothing to the bytes. Raises std::bad_alloc.
+void appendValues(std::string& bytes, NSDictionary* values);
+/// The dictionary in such bytes; absent for any others. Whoever wrote them need not be trusted:
+/// what comes out takes memory in proportion to the bytes, and is at most 512 levels deep.
 Ref<NSDictionary> valuesOfBytes(std::string_view bytes);
 
 /// An error as such bytes: its domain, its code and its description.
 std::string bytesOfError(NSError* error);
 /// Absent for bytes that hold none.
 Ref<NSError> errorOfBytes(std::string_view bytes);
+
+/// A text as such bytes.
+std::string bytesOfText(NSString* text);
+/// Absent for bytes that hold none.
+Ref<NSString> textOfBytes(std::string_view bytes);
 
 }  // namespace kbx

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "host/store/IndexCheck.h"
 #include "host/store/Store.h"
 #include "host/store/StoreErrors.h"
 
@@ -79,6 +80,7 @@ std::optional<std::vector<std::string>> checkStore(const std::string& path, Ref<
   addRows(database, kWithoutFile, findings);
   addRows(database, kWithoutMessage, findings);
   addRows(database, kWithBoth, findings);
+  checkIndex(database, kMostFindings, findings);
   return findings;
 }
 
@@ -86,8 +88,13 @@ bool optimizeStore(const std::string& path, Ref<NSError>* error) {
   auto store = StoreWriter::open(path, error);
   if (!store) return false;
   Database& database = store->database();
-  return database.run("INSERT INTO word (word) VALUES ('optimize')", error) &&
-         database.run("ANALYZE; VACUUM; PRAGMA wal_checkpoint(TRUNCATE)", error);
+  if (!database.run("INSERT INTO word (word) VALUES ('optimize'); ANALYZE", error)) return false;
+  const auto pages = database.integer("PRAGMA page_count", error);
+  const auto unused = database.integer("PRAGMA freelist_count", error);
+  if (!pages || !unused) return false;
+  // Packing writes the whole store again, which a little space is not worth.
+  if (*unused > *pages / 8 && !database.run("VACUUM", error)) return false;
+  return database.run("PRAGMA wal_checkpoint(TRUNCATE)", error);
 }
 
 }  // namespace kbx

@@ -17,6 +17,7 @@ constexpr char kWriting[] =
     "PRAGMA journal_mode = WAL;"
     "PRAGMA synchronous = NORMAL;"
     "PRAGMA cache_size = -32768;"
+    "PRAGMA journal_size_limit = 67108864;"
     "PRAGMA temp_store = MEMORY;";
 
 bool makeFolderOf(const std::string& path, Ref<NSError>* error) {

@@ -15,6 +15,27 @@ struct Meaning {
   std::string_view words;
 };
 
+std::string_view meaningOfFailedAccess(int result) {
+  switch (result) {
+    case SQLITE_IOERR_READ:
+    case SQLITE_IOERR_SHORT_READ:
+    case SQLITE_IOERR_MMAP:
+      return "the store cannot be read";
+    case SQLITE_IOERR_WRITE:
+    case SQLITE_IOERR_FSYNC:
+    case SQLITE_IOERR_DIR_FSYNC:
+    case SQLITE_IOERR_TRUNCATE:
+      return "the store cannot be written";
+    case SQLITE_IOERR_LOCK:
+    case SQLITE_IOERR_SHMLOCK:
+    case SQLITE_IOERR_SHMOPEN:
+    case SQLITE_IOERR_SHMMAP:
+      return "the file system does not let processes share the store";
+    default:
+      return "the store cannot be read or written";
+  }
+}
+
 Meaning meaningOf(int result) {
   switch (result & 0xFF) {
     case SQLITE_NOTADB:
@@ -33,7 +54,7 @@ Meaning meaningOf(int result) {
     case SQLITE_READONLY:
       return {StoreUnreadableError, "the store cannot be written"};
     case SQLITE_IOERR:
-      return {StoreUnreadableError, "the store cannot be read or written"};
+      return {StoreUnreadableError, meaningOfFailedAccess(result)};
     case SQLITE_NOMEM:
       return {StoreFailedError, "memory is used up"};
     default:

@@ -10,15 +10,18 @@
 namespace kbx {
 namespace {
 
-// The log is written to the disk when it is copied back, not with each transaction: a power cut
-// may undo the last ones, never a part of one.
-constexpr char kWriting[] =
+// What counts before anything is known of the file, and leaves it as it is.
+constexpr char kUsing[] =
     "PRAGMA page_size = 8192;"
-    "PRAGMA journal_mode = WAL;"
-    "PRAGMA synchronous = NORMAL;"
     "PRAGMA cache_size = -32768;"
-    "PRAGMA journal_size_limit = 67108864;"
-    "PRAGMA temp_store = MEMORY;";
+    "PRAGMA temp_store = MEMORY;"
+    "PRAGMA synchronous = NORMAL;";
+
+// The log reaches the disk when it is copied back, not with each transaction: a power cut may undo
+// the last ones, never a part of one.
+constexpr char kLogging[] =
+    "PRAGMA journal_mode = WAL;"
+    "PRAGMA journal_size_limit = 67108864;";
 
 bool makeFolderOf(const std::string& path, Ref<NSError>* error) {
   const std::filesystem::path folder = std::filesystem::path(path).parent_path();
@@ -89,7 +92,9 @@ std::unique_ptr<StoreWriter> StoreWriter::open(const std::string& path, Ref<NSEr
     tell(error, database->lastError());
     return nullptr;
   }
-  if (!database->run(kWriting, error) || !prepareStore(*database, error)) return nullptr;
+  if (!database->run(kUsing, error) || !prepareStore(*database, error) ||
+      !database->run(kLogging, error))
+    return nullptr;
   return std::unique_ptr<StoreWriter>(new StoreWriter(std::move(database), std::move(lock)));
 }
 

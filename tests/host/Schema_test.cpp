@@ -1,0 +1,102 @@
+#include "host/store/Schema.h"
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include "host/store/Store.h"
+#include "host/store/StoreErrors.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace kbx {
+namespace {
+
+class SchemaTest : public ::testing::Test {
+ protected:
+  std::string path() const { return (folder / "mail.db").string(); }
+  std::string said() const { return error ? error->localizedDescription()->lossyUTF8() : ""; }
+  std::unique_ptr<Database> open() {
+    return Database::open(path(), Database::Access::Creating, &error);
+  }
+  void change(const std::string& sql) { ASSERT_TRUE(open()->run(sql, &error)) << said(); }
+  std::int64_t version() { return open()->integer("PRAGMA user_version", &error).value_or(-1); }
+
+  TemporaryFolder folder;
+  Ref<NSError> error;
+};
+
+constexpr Migration kSteps[] = {
+    {1, "ALTER TABLE file ADD COLUMN first TEXT DEFAULT 'one'"},
+    {2, "UPDATE file SET first = first || ' two'; ALTER TABLE file RENAME COLUMN first TO both"}};
+
+TEST_F(SchemaTest, AStoreIsMarkedAsOne) {
+  StoreWriter::open(path(), &error);
+  EXPECT_EQ(open()->integer("PRAGMA application_id", &error), kStoreApplication);
+  EXPECT_EQ(version(), kStoreVersion);
+}
+
+TEST_F(SchemaTest, AnOlderStoreIsBroughtUpToDateStepByStep) {
+  StoreWriter::open(path(), &error)->putFailure("/m/a", {}, "none", &error);
+  ASSERT_TRUE(prepareStore(*open(), kSteps, 3, &error)) << said();
+  EXPECT_EQ(version(), 3);
+  EXPECT_EQ(open()->integer("SELECT both = 'one two' FROM file", &error), 1);
+}
+
+TEST_F(SchemaTest, AStepThatFailsLeavesTheVersionBeforeIt) {
+  StoreWriter::open(path(), &error);
+  constexpr Migration failing[] = {kSteps[0],
+                                   {2, "CREATE TABLE half (x); INSERT INTO nowhere VALUES (1)"}};
+  EXPECT_FALSE(prepareStore(*open(), failing, 3, &error));
+  EXPECT_NE(said().find("nowhere"), std::string::npos) << said();
+  EXPECT_EQ(version(), 2);
+  EXPECT_EQ(open()->integer("SELECT count(*) FROM sqlite_master WHERE name = 'half'", &error), 0);
+  EXPECT_TRUE(prepareStore(*open(), kSteps, 3, &error)) << said();  // the next run completes
+}
+
+TEST_F(SchemaTest, AStoreTooOldForTheStepsIsRefused) {
+  StoreWriter::open(path(), &error);
+  constexpr Migration later[] = {kSteps[1]};
+  EXPECT_FALSE(prepareStore(*open(), later, 3, &error));
+  EXPECT_EQ(error->code(), StoreOlderError);
+}
+
+TEST_F(SchemaTest, ANewerStoreIsRefusedAndNotTouched) {
+  StoreWriter::open(path(), &error);
+  change("PRAGMA user_version = 99");
+  EXPECT_FALSE(StoreReader::open(path(), &error));
+  EXPECT_EQ(error->code(), StoreNewerError);
+  EXPECT_FALSE(StoreWriter::open(path(), &error));
+  EXPECT_EQ(error->code(), StoreNewerError);
+  EXPECT_NE(said().find(path()), std::string::npos);
+  EXPECT_EQ(version(), 99);
+}
+
+TEST_F(SchemaTest, AnotherDatabaseIsRefusedAndNotTouched) {
+  change("CREATE TABLE file (name TEXT)");
+  const std::string before = folder.read("mail.db");
+  EXPECT_FALSE(StoreReader::open(path(), &error));
+  EXPECT_EQ(error->code(), StoreForeignError);
+  EXPECT_FALSE(StoreWriter::open(path(), &error));
+  EXPECT_EQ(error->code(), StoreForeignError);
+  EXPECT_TRUE(folder.read("mail.db") == before);
+}
+
+TEST_F(SchemaTest, AFileThatIsNoDatabaseIsRefusedAndNotTouched) {
+  const std::string text(10000, 'x');
+  folder.write("mail.db", text);
+  EXPECT_FALSE(StoreReader::open(path(), &error));
+  EXPECT_EQ(error->code(), StoreForeignError) << said();
+  EXPECT_FALSE(StoreWriter::open(path(), &error));
+  EXPECT_EQ(error->code(), StoreForeignError) << said();
+  EXPECT_TRUE(folder.read("mail.db") == text);
+}
+
+TEST_F(SchemaTest, AnEmptyFileIsNoStoreToReadButMayBecomeOne) {
+  folder.write("mail.db", "");
+  EXPECT_FALSE(StoreReader::open(path(), &error));
+  EXPECT_EQ(error->code(), StoreForeignError);
+  EXPECT_TRUE(StoreWriter::open(path(), &error)) << said();
+  EXPECT_TRUE(StoreReader::open(path(), &error)) << said();
+}
+
+}  // namespace
+}  // namespace kbx

@@ -53,6 +53,8 @@ class XMLReader {
   Outcome read();
 
  private:
+  static constexpr std::size_t kLongestExpansion = std::size_t{1} << 20;
+
   struct OpenElement {
     std::string_view name;
     XMLNamespaceScope::Mark scope;
@@ -111,7 +113,7 @@ class XMLReader {
   std::unordered_set<std::string_view, SeededHash>
       _declaredPrefixes;  // of one tag, once there are many
   std::unordered_map<std::string_view, std::string, SeededHash> _entities;
-  std::size_t _expandedLength = 0;  // of all entities, declared and used
+  std::size_t _expandedLength = 0;  // of all entities, declared and used; kLongestExpansion at most
   bool _isStopped = false;
   bool _hasMisc = false;
 };

@@ -143,8 +143,9 @@ TEST(NSXMLDocument, WhatBelongsToTheHeadIsEmptyElsewhereInXHTMLWithoutTheXMLOpti
       "<html xmlns='http://www.w3.org/1999/xhtml'><style><!-- a --></style></html>", kTidyHTML);
   EXPECT_EQ(document->canonicalXMLStringPreservingComments(true)->lossyUTF8(),
             "<html xmlns=\"http://www.w3.org/1999/xhtml\"><style></style></html>");
-  EXPECT_EQ(between(canonical(xhtml, kTidyBoth), "<body>", "h<title>"),
-            "<style a=\"b\">c<b>d</b><?e f?></style>");
+  std::string asItIs = xhtml;
+  asItIs.erase(asItIs.find("<!-- g -->"), 10);
+  EXPECT_EQ(canonical(xhtml, kTidyBoth), asItIs);
 }
 
 TEST(NSXMLDocument, OtherXMLIsHTMLWithoutTheXMLOption) {

@@ -1,7 +1,6 @@
 #include "LineBreaks.h"
 
 #include <bit>
-#include <cstring>
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -14,7 +13,7 @@ using Bytes = std::span<const std::uint8_t>;
 
 /// Where copying stands: what is read, and where the next byte goes.
 struct Cursor {
-  std::size_t read = 0;
+  std::size_t read;
   std::uint8_t* write;
 };
 
@@ -29,16 +28,6 @@ Cursor copyBytes(Bytes input, Cursor cursor) {
     cursor.write += startsPair ? 0 : 1;
   }
   return cursor;
-}
-
-/// Copies what stands before the first return, where there is nothing to do.
-Cursor copyPrefix(Bytes input, std::uint8_t* output) {
-  const void* found = input.empty() ? nullptr : std::memchr(input.data(), '\r', input.size());
-  const std::size_t length =
-      found ? static_cast<std::size_t>(static_cast<const std::uint8_t*>(found) - input.data())
-            : input.size();
-  if (length > 0) std::memcpy(output, input.data(), length);
-  return {length, output + length};
 }
 
 #if defined(__x86_64__)
@@ -135,34 +124,44 @@ struct CompressedBlock {
   std::size_t length;
 
   /// isInput  a bit for each byte that the block has
-  /// next     the byte behind it
-  KBX_COMPRESSING CompressedBlock(const std::uint8_t* block, std::uint64_t isInput,
-                                  bool isFeedNext) {
-    const __m512i lineFeed = _mm512_set1_epi8('\n');
-    const __m512i read = _mm512_maskz_loadu_epi8(isInput, block);
-    const std::uint64_t returns = _mm512_cmpeq_epi8_mask(read, _mm512_set1_epi8('\r'));
-    const std::uint64_t feeds = _mm512_cmpeq_epi8_mask(read, lineFeed);
-    const std::uint64_t pairs = returns & (feeds >> 1 | std::uint64_t{isFeedNext} << 63);
-    const std::uint64_t kept = isInput & ~pairs;
-    bytes = _mm512_maskz_compress_epi8(kept, _mm512_mask_mov_epi8(read, returns, lineFeed));
-    length = static_cast<std::size_t>(std::popcount(kept));
+  /// pairs    a bit for each return that has a line feed behind it
+  KBX_COMPRESSING CompressedBlock(__m512i read, __mmask64 isInput, __mmask64 returns,
+                                  __mmask64 pairs) {
+    const __m512i feeds = _mm512_mask_mov_epi8(read, returns, _mm512_set1_epi8('\n'));
+    const __mmask64 kept = _kandn_mask64(pairs, isInput);
+    bytes = _mm512_maskz_compress_epi8(kept, feeds);
+    length = static_cast<std::size_t>(std::popcount(static_cast<std::uint64_t>(kept)));
   }
 };
+
+KBX_COMPRESSING CompressedBlock wholeBlock(const std::uint8_t* block) {
+  const __m512i read = _mm512_loadu_si512(block), next = _mm512_loadu_si512(block + 1);
+  const __mmask64 returns = _mm512_cmpeq_epi8_mask(read, _mm512_set1_epi8('\r'));
+  // The masks stay in their registers: one port moves them to the others, and it is the busiest.
+  const __mmask64 pairs = _mm512_mask_cmpeq_epi8_mask(returns, next, _mm512_set1_epi8('\n'));
+  return {read, ~__mmask64{0}, returns, pairs};
+}
+
+/// The last block, with no byte behind it.
+KBX_COMPRESSING CompressedBlock lastBlock(const std::uint8_t* block, std::size_t size) {
+  const __mmask64 isInput = ~__mmask64{0} >> (64 - size);
+  const __m512i read = _mm512_maskz_loadu_epi8(isInput, block);
+  const __mmask64 returns = _mm512_cmpeq_epi8_mask(read, _mm512_set1_epi8('\r'));
+  const __mmask64 feeds = _mm512_cmpeq_epi8_mask(read, _mm512_set1_epi8('\n'));
+  return {read, isInput, returns, returns & feeds >> 1};
+}
 
 /// What is written too far is overwritten by what comes next; it never gets behind the bytes read.
 KBX_COMPRESSING Cursor copyCompressing(Bytes input, Cursor cursor) {
   constexpr std::size_t kWhole = 64;
-  constexpr std::uint64_t kAll = ~std::uint64_t{0};
   for (; cursor.read + kWhole < input.size(); cursor.read += kWhole) {
-    const std::uint8_t* from = input.data() + cursor.read;
-    const CompressedBlock block(from, kAll, from[kWhole] == '\n');
+    const CompressedBlock block = wholeBlock(input.data() + cursor.read);
     _mm512_storeu_si512(cursor.write, block.bytes);
     cursor.write += block.length;
   }
   if (cursor.read == input.size()) return cursor;
-  const std::uint64_t isInput = kAll >> (kWhole - (input.size() - cursor.read));
-  const CompressedBlock block(input.data() + cursor.read, isInput, false);
-  _mm512_mask_storeu_epi8(cursor.write, kAll >> (kWhole - block.length), block.bytes);
+  const CompressedBlock block = lastBlock(input.data() + cursor.read, input.size() - cursor.read);
+  _mm512_mask_storeu_epi8(cursor.write, ~__mmask64{0} >> (kWhole - block.length), block.bytes);
   return {input.size(), cursor.write + block.length};
 }
 
@@ -205,7 +204,7 @@ bool hasLineBreakLoop(LineBreakLoop loop) {
 }
 
 std::size_t copyWithLineFeeds(Bytes input, std::uint8_t* output, LineBreakLoop loop) {
-  Cursor cursor = copyPrefix(input, output);
+  Cursor cursor{0, output};
   if (loop == LineBreakLoop::Compressing) cursor = copyCompressing(input, cursor);
   if (loop == LineBreakLoop::Wide) cursor = copyWideBlocks(input, cursor);
   if (loop == LineBreakLoop::Narrow) cursor = copyNarrowBlocks(input, cursor);

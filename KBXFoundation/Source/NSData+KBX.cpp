@@ -2,11 +2,11 @@
 #include <array>
 #include <string>
 
-#include "ByteBlock.h"
 #include "ByteSearch.h"
 #include "KBXFunctions.h"
 #include "NSData+KBX.h"
 #include "platform/logging/NSLog.h"
+#include "platform/objects/DataBlock.h"
 #include "platform/objects/NSException.h"
 #include "platform/text/NSCharacterSet.h"
 
@@ -38,7 +38,7 @@ std::array<bool, 256> memberTable(NSCharacterSet* set) {
 /// they are.
 template <class Keeps>
 Ref<NSData> keep(NSData* data, Keeps keeps) {
-  ByteBlock block(data->length());
+  DataBlock block(data->length());
   std::uint8_t* to = block.bytes();
   for (unsigned char byte : data->view()) {
     *to = byte;

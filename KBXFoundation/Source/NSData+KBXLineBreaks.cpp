@@ -1,26 +1,23 @@
 // NSData(KBX): line breaks made line feeds, the step that every imported message takes.
 #include <cstring>
+#include <span>
+#include <string_view>
 
-#include "ByteBlock.h"
 #include "LineBreaks.h"
 #include "NSData+KBX.h"
+#include "platform/objects/DataBlock.h"
 
 namespace kbx {
-
-namespace {
-
-bool hasReturn(NSData* data) {
-  return data->length() > 0 && std::memchr(data->bytes(), '\r', data->length()) != nullptr;
-}
-
-}  // namespace
 
 Ref<NSData> kbxDataByNormalizingLineBreaks(NSData* data) {
   if (!data) return nullptr;
   // Most stored mail has line feeds alone: its bytes are looked through, and not copied.
-  if (!hasReturn(data)) return NSData::dataWithData(data);
-  ByteBlock block(data->length());
-  return block.take(copyWithLineFeeds({data->bytes(), data->length()}, block.bytes()));
+  const std::size_t prefix = data->view().find('\r');
+  if (prefix == std::string_view::npos) return NSData::dataWithData(data);
+  DataBlock block(data->length());
+  std::memcpy(block.bytes(), data->bytes(), prefix);
+  const std::span<const std::uint8_t> rest(data->bytes() + prefix, data->length() - prefix);
+  return block.take(prefix + copyWithLineFeeds(rest, block.bytes() + prefix));
 }
 
 }  // namespace kbx

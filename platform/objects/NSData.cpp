@@ -6,6 +6,7 @@
 #include <new>
 #include <string>
 
+#include "platform/objects/DataBlock.h"
 #include "platform/objects/NSClass.h"
 #include "platform/objects/NSException.h"
 #include "platform/objects/NSString.h"
@@ -29,17 +30,24 @@ void appendHex(std::string& text, std::string_view bytes) {
 }  // namespace
 
 NSData::~NSData() {
-  if (!_owner) std::free(_bytes);
+  if (!_owner && !_isOneBlock) std::free(_bytes);
 }
+
+void* NSData::operator new(std::size_t size) {
+  void* const block = std::malloc(size);
+  if (!block) throw std::bad_alloc();
+  return block;
+}
+
+void NSData::operator delete(void* object) noexcept { std::free(object); }
 
 Ref<NSData> NSData::data() { return dataWithBytesNoCopy(nullptr, 0); }
 
 Ref<NSData> NSData::dataWithBytes(const void* bytes, std::size_t length) {
-  if (length > PTRDIFF_MAX) throw std::bad_alloc();
-  void* block = length ? std::malloc(length) : nullptr;
-  if (length && !block) throw std::bad_alloc();
-  if (length) std::memcpy(block, bytes, length);
-  return dataWithBytesNoCopy(block, length);
+  if (length == 0) return data();
+  DataBlock block(length);
+  std::memcpy(block.bytes(), bytes, length);
+  return block.take(length);
 }
 
 Ref<NSData> NSData::dataWithBytes(std::string_view bytes) {

@@ -11,6 +11,7 @@
 
 namespace kbx {
 
+class DataBlock;
 class NSError;
 class NSMutableData;
 class NSURL;
@@ -64,10 +65,19 @@ class KBX_PLATFORM NSData : public NSObject {
   bool isEqual(NSObject* other) const override;
   std::size_t hash() const override;
 
+  // Objects are blocks of the C allocator, because a block may go on with the object's bytes.
+  static void* operator new(std::size_t size);
+  static void operator delete(void* object) noexcept;
+
  protected:
   NSData(std::uint8_t* bytes, std::size_t length) noexcept : _bytes(bytes), _length(length) {}
   ~NSData() override;
 
+ private:
+  friend class DataBlock;
+  bool _isOneBlock = false;  // whether the bytes lie behind the object, in the object's own block
+
+ protected:
   std::uint8_t* _bytes;  // of the C allocator, or nullptr when nothing was ever stored
   std::size_t _length;
 

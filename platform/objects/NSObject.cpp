@@ -37,7 +37,8 @@ struct Dying {
 NSObject::~NSObject() = default;
 
 void NSObject::destroy() const noexcept {
-  thread_local constinit Dying dying;
+  // Each object that dies asks for this: where a model spares the call that finds it, it is said.
+  [[gnu::tls_model("initial-exec")]] thread_local constinit Dying dying;
   if (dying.depth == kDeepest) {
     if (!dying.waiting) dying.waiting = new std::vector<const NSObject*>;
     return dying.waiting->push_back(this);

@@ -30,12 +30,14 @@ std::uint64_t wordOf(const char* bytes) {
 }
 
 /// A number of up to eight bytes, the high one first; of more only the low eight count.
-std::uint64_t wordOf(std::string_view bytes) {
-  switch (bytes.size()) {  // the usual sizes, for which there is an instruction
+inline std::uint64_t wordOf(std::string_view bytes) {
+  switch (bytes.size()) {  // the usual sizes, which need no loop
     case 1:
       return wordOf<1>(bytes.data());
     case 2:
       return wordOf<2>(bytes.data());
+    case 3:
+      return wordOf<3>(bytes.data());
     case 4:
       return wordOf<4>(bytes.data());
     case 8:
@@ -75,12 +77,13 @@ struct Cost {
   std::uint64_t content = 0;  // bytes
 };
 
-/// An object that was met: its value when it is finished, absent while it is being read.
+/// An object that was met: its value when it is finished, absent while it is being read. Lists of
+/// many small objects take much of their time to fill this table, so it is small.
 struct Known {
+  NSObject* value = nullptr;  // owned by what refers to it
+  std::uint32_t cost = 0;     // of a container the index of its cost, else the bytes of its content
+  std::uint16_t height = 0;   // levels of containers, its own counted
   bool isMet = false;
-  std::uint16_t height = 0;  // levels of containers, its own counted
-  Ref<NSObject> value;
-  Cost cost;
 };
 
 /// Whether references of archives may occur.
@@ -101,6 +104,7 @@ class Reader {
 
   Ref<NSObject> object(std::uint64_t index, std::size_t level);
   Ref<NSObject> sharedObject(const Known& known, std::size_t at, std::size_t level);
+  void remember(Known& known, NSObject* value, std::size_t height, Cost cost);
   bool descend(std::size_t level, std::size_t at);
   Ref<NSObject> objectAt(std::size_t at, std::size_t level);
   Ref<NSObject> leaf(BinaryKind kind, std::uint8_t low, Cursor cursor, std::size_t at);
@@ -122,6 +126,8 @@ class Reader {
   std::uint64_t _table = 0;
   std::string_view _objects;  // the file up to the table, so that offsets stay what they are
   std::vector<Known> _known;
+  std::vector<Cost> _costs;             // of containers
+  std::vector<Ref<NSObject>> _entries;  // keys and values: a dictionary may let go of equal ones
   Cost _spent;
   std::size_t _deepest = 0;  // levels of containers met so far, within the object being read
 };
@@ -229,8 +235,8 @@ Ref<NSObject> Reader::leaf(BinaryKind kind, std::uint8_t low, Cursor cursor, std
   if (!bytes) return fail("an object that reaches past the others", at);
   if (isReal) return NSNumber::numberWithDouble(realOf(*bytes));
   if (isDate) return NSDate::dateWithTimeIntervalSinceReferenceDate(realOf(*bytes));
-  auto number = integerOf(*bytes);
-  return number ? Ref<NSObject>(number) : fail("an integer of more than 64 bits", at);
+  if (Ref<NSObject> number = integerOf(*bytes)) return number;
+  return fail("an integer of more than 64 bits", at);
 }
 
 Ref<NSObject> Reader::array(std::string_view references, std::size_t level) {
@@ -253,6 +259,8 @@ Ref<NSObject> Reader::dictionary(std::string_view references, std::size_t at, st
     auto value = key ? object(wordOf(references.substr(half + i, _referenceSize)), level) : nullptr;
     if (!value) return nullptr;
     entries->setObjectForKey(value, key);
+    _entries.push_back(std::move(key));
+    _entries.push_back(std::move(value));
   }
   return dictionaryThatMayChange(entries, _isMutable);
 }
@@ -297,7 +305,16 @@ Ref<NSObject> Reader::objectAt(std::size_t at, std::size_t level) {
 
 /// A finished object at one more place, which costs and deepens the list as if it were another.
 Ref<NSObject> Reader::sharedObject(const Known& known, std::size_t at, std::size_t level) {
-  return spend(known.cost, at) && descend(level + known.height, at) ? known.value : nullptr;
+  const Cost cost = known.height > 0 ? _costs[known.cost] : Cost{1, known.cost};
+  return spend(cost, at) && descend(level + known.height, at) ? known.value : nullptr;
+}
+
+void Reader::remember(Known& known, NSObject* value, std::size_t height, Cost cost) {
+  known.value = value;
+  known.height = static_cast<std::uint16_t>(height);
+  known.cost = static_cast<std::uint32_t>(
+      std::min<std::uint64_t>(height > 0 ? _costs.size() : cost.content, UINT32_MAX));
+  if (height > 0) _costs.push_back(cost);
 }
 
 /// The object with that number, read once, except containers that may change.
@@ -307,14 +324,14 @@ Ref<NSObject> Reader::object(std::uint64_t index, std::size_t level) {
   Known& known = _known[index];
   if (known.isMet && !known.value) return fail("a container that holds itself", at);
   if (known.value && !(_isMutable && known.height > 0)) return sharedObject(known, at, level);
-  known = {.isMet = true, .height = 0, .value = nullptr, .cost = {}};
+  known = {.isMet = true};
   const Cost before = _spent;
   const std::size_t deepestBefore = std::exchange(_deepest, level);
-  known.value = objectAt(at, level);
-  known.cost = {_spent.values - before.values, _spent.content - before.content};
-  known.height = static_cast<std::uint16_t>(_deepest - level);
+  auto value = objectAt(at, level);
+  remember(known, value, _deepest - level,
+           {_spent.values - before.values, _spent.content - before.content});
   _deepest = std::max(_deepest, deepestBefore);
-  return known.value;
+  return value;
 }
 
 PropertyListReading Reader::read() {

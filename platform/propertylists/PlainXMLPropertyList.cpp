@@ -150,7 +150,9 @@ bool PlainReader::takeText() {
   const std::string_view text = _rest.substr(0, untilTag());
   const std::string_view piece = text.substr(0, text.find('&'));
   _rest.remove_prefix(piece.size());
-  return isPlain(piece) && !_tree.text(piece);
+  if (!isPlain(piece)) return false;
+  _tree.expectText(text.size());
+  return !_tree.text(piece);
 }
 
 Ref<NSObject> PlainReader::read() {

@@ -115,10 +115,18 @@ XMLPropertyListTree::Fault XMLPropertyListTree::startContainer(Element element) 
   return std::nullopt;
 }
 
+/// Whether the open element is one whose text counts.
+bool XMLPropertyListTree::isInLeaf() const {
+  return !_open.empty() && !holdsValues(_open.back()) && _open.back() != Element::True &&
+         _open.back() != Element::False;
+}
+
+void XMLPropertyListTree::expectText(std::size_t length) {
+  if (isInLeaf()) _text.reserve(_text.size() + length);
+}
+
 XMLPropertyListTree::Fault XMLPropertyListTree::text(std::string_view text) {
-  const bool isLeaf = !_open.empty() && !holdsValues(_open.back()) &&
-                      _open.back() != Element::True && _open.back() != Element::False;
-  if (isLeaf)
+  if (isInLeaf())
     _text += text;
   else if (!std::ranges::all_of(text, isBlank))
     return "text where only elements may be: " + quoted(text);

@@ -22,6 +22,8 @@ class XMLPropertyListTree {
   Fault start(std::string_view name);
   Fault end();
   Fault text(std::string_view text);
+  /// Makes room for so many bytes of text, of which the open element may turn out to have fewer.
+  void expectText(std::size_t length);
   /// The outermost value; absent while there is none.
   Ref<NSObject> root() const { return _root; }
 
@@ -46,6 +48,7 @@ class XMLPropertyListTree {
     Ref<NSString> key;                 // that waits for its value
   };
 
+  bool isInLeaf() const;
   Fault startPlist();
   Fault startContainer(Element element);
   Fault faultOfPlace(Element element) const;

@@ -1,11 +1,9 @@
 #include "platform/propertylists/XMLPropertyListWriter.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdint>
-#include <cstring>
 #include <string_view>
 
+#include "platform/markup/Characters.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSDate.h"
@@ -62,7 +60,7 @@ class Writer {
   ByteBuffer _text;
 };
 
-/// What is written for a character that cannot stand for itself; empty for all others.
+/// What is written for a character that cannot stand for itself.
 std::string_view escapeOf(char letter) {
   switch (letter) {
     case '<':
@@ -71,49 +69,20 @@ std::string_view escapeOf(char letter) {
       return "&gt;";
     case '&':
       return "&amp;";
-    case '\r':
-      return "&#13;";  // a plain one would be read as a line feed
     default:
-      return {};
+      return "&#13;";  // a return; a plain one would be read as a line feed
   }
-}
-
-constexpr auto kIsEscaped = [] {
-  std::array<bool, 256> set{};
-  for (char letter : {'<', '>', '&', '\r'}) set[static_cast<std::uint8_t>(letter)] = true;
-  return set;
-}();
-
-constexpr std::size_t kWord = sizeof(std::uint64_t);
-constexpr std::uint64_t inEachByte(std::uint64_t byte) { return byte * 0x0101010101010101; }
-
-constexpr bool hasZeroByte(std::uint64_t word) {
-  return (word - inEachByte(0x01)) & ~word & inEachByte(0x80);
-}
-
-/// Whether one of the next eight letters needs an escape.
-bool holdsEscaped(const char* letters) {
-  static_assert(('<' ^ '>') == 2);
-  std::uint64_t word;
-  std::memcpy(&word, letters, kWord);
-  return hasZeroByte((word & inEachByte(0xFD)) ^ inEachByte('<')) ||
-         hasZeroByte(word ^ inEachByte('&')) || hasZeroByte(word ^ inEachByte('\r'));
 }
 
 void Writer::appendEscaped(std::string_view text) {
-  std::size_t plain = 0;  // where what needs no escape begins
-  for (std::size_t i = 0; i < text.size();) {
-    if (text.size() - i >= kWord && !holdsEscaped(text.data() + i)) {
-      i += kWord;
-      continue;
-    }
-    for (const std::size_t end = std::min(i + kWord, text.size()); i < end; ++i) {
-      if (!kIsEscaped[static_cast<std::uint8_t>(text[i])]) continue;
-      _text.append(text.substr(plain, i - plain)).append(escapeOf(text[i]));
-      plain = i + 1;
-    }
+  const char* const end = text.data() + text.size();
+  for (const char* plain = text.data(); plain != end;) {
+    const char* const stop = findAnyByte<'<', '>', '&', '\r'>(plain, end);
+    _text.append({plain, static_cast<std::size_t>(stop - plain)});
+    if (stop == end) return;
+    _text.append(escapeOf(*stop));
+    plain = stop + 1;
   }
-  _text.append(text.substr(plain));
 }
 
 void Writer::appendText(const Tags& tags, NSString* text) {

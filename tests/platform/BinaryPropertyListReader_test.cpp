@@ -200,6 +200,20 @@ TEST(BinaryPropertyListReader, PlacesThatMayChangeShareNoContainer) {
   EXPECT_EQ(second->count(), 2u);
 }
 
+TEST(BinaryPropertyListReader, WhatADictionaryLetsGoOfIsSharedAllTheSame) {
+  // Of two equal keys the later value stays; the other key and the other value have further places.
+  const File file{{"\xA4\x01\x03\x04\x05", "\xD2\x02\x03\x04\x05", "\x51k", "\x51k", "\x51x",
+                   "\xA1\x06", "\x51y"}};
+  for (NSPropertyListReadOptions options : {0u, 1u}) {
+    auto list = read(file.bytes(), nullptr, options);
+    ASSERT_TRUE(list);
+    auto expected = NSArray::arrayWithObjects(
+        {NSDictionary::dictionaryWithPairs({{"k"_ns, NSArray::arrayWithObjects({"y"_ns})}}), "k"_ns,
+         "x"_ns, NSArray::arrayWithObjects({"y"_ns})});
+    EXPECT_TRUE(isEqual(list, expected));
+  }
+}
+
 TEST(BinaryPropertyListReader, ASmallFileCannotUnfoldIntoAHugeList) {
   const std::string text = "shared objects make too large a list at byte ";
   for (unsigned levels : {20u, 60u, 200u})

@@ -76,7 +76,9 @@ Ref<NSString> PreferencesFile::write(NSDictionary* values) const {
     error = posixError(-result);
   } else {
     auto data = encoded(values, &error);
-    if (data && data->writeToURL(_url, NSDataWritingAtomic, &error)) return nullptr;
+    // Who keeps the file elsewhere and a link to it here wants the link to stay.
+    const Ref<NSURL> target = _url->URLByResolvingSymlinksInPath();
+    if (data && data->writeToURL(target, NSDataWritingAtomic, &error)) return nullptr;
   }
   return stringWithFormat("Preferences: %s is not written: %@"_ns, _path,
                           error->localizedDescription());

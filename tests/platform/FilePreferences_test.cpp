@@ -202,6 +202,19 @@ TEST_F(FilePreferencesTest, AFolderInPlaceOfAFileIsSetAside) {
   EXPECT_TRUE(isEqual(process().domain("d"_ns), pair("a"_ns, "1"_ns)));
 }
 
+TEST_F(FilePreferencesTest, AFileThatIsALinkIsWrittenWhereItLeads) {
+  fs::create_directory(folder / "kept");
+  fs::create_directory(folder / "p");
+  fs::create_symlink("../kept/d.plist", folder / "p/d.plist");
+  for (auto* value : {"1"_ns, "2"_ns}) {  // the first has no file yet
+    EXPECT_TRUE(process().change("d"_ns, pair("a"_ns, value)));
+    EXPECT_TRUE(fs::is_symlink(folder / "p/d.plist"));
+    EXPECT_TRUE(isEqual(read(folder.read("kept/d.plist")), pair("a"_ns, value)));
+    EXPECT_TRUE(isEqual(process().domain("d"_ns), pair("a"_ns, value)));
+  }
+  EXPECT_EQ(count(), 1u);
+}
+
 TEST_F(FilePreferencesTest, AFileThatMayNotBeReadIsSetAside) {
   write("d.plist", "<dict/>");
   auto first = process();

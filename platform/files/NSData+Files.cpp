@@ -1,12 +1,16 @@
 // NSData: reading a file whole, and writing one.
 #include <cerrno>
+#include <cstdint>
 #include <cstdlib>
 #include <new>
 #include <random>
 #include <string>
+#include <string_view>
+#include <utility>
 
 #include "platform/files/FileErrors.h"
 #include "platform/files/FileSystem.h"
+#include "platform/files/LeftoverFile.h"
 #include "platform/files/NSURL.h"
 #include "platform/files/ReadableFile.h"
 #include "platform/objects/NSData.h"
@@ -92,33 +96,80 @@ int writeInPlace(const std::string& path, std::string_view bytes) {
   return result < 0 ? result : closed;
 }
 
-std::string nameBeside(const std::string& path) {
+constexpr int kPlaces = 8;  // for that many writers of one file at the same time
+
+/// The same for one file in every process, so that what a dead one left there is found again.
+std::string placeBeside(const std::string& path, int number) {
   const std::size_t name = path.rfind('/') + 1;
-  std::random_device random;
-  return path.substr(0, name) + ".write-" + std::to_string(random()) + std::to_string(random());
+  std::uint64_t hash = 0xCBF29CE484222325;
+  for (const char byte : std::string_view(path).substr(name))
+    hash = (hash ^ static_cast<std::uint8_t>(byte)) * 0x100000001B3;
+  return path.substr(0, name) + ".write-" + std::to_string(hash) + "-" + std::to_string(number);
 }
 
-int writeNewFile(const std::string& beside, std::string_view bytes, const FileStatus* before) {
-  OpenFile file(beside, FileSystem::Opening::CreatingNew);
-  if (file.descriptor() < 0) return file.descriptor();
-  auto& files = FileSystem::current();
-  if (before) files.setMode(file.descriptor(), before->mode);
-  int result = writeAll(file.descriptor(), bytes);
-  if (result >= 0) result = files.flush(file.descriptor());
-  const int closed = file.close();
-  return result < 0 ? result : closed;
+/// A place that nobody can have taken on purpose.
+std::string anyPlaceBeside(const std::string& path) {
+  std::random_device random;
+  return placeBeside(path, 0) + "-" + std::to_string(random()) + std::to_string(random());
 }
+
+/// A file that a write fills before it gets its name; removed where it never does.
+class NewFile {
+ public:
+  explicit NewFile(const std::string& target) : _files(FileSystem::current()) { open(target); }
+  ~NewFile() {
+    close();
+    if (_isOurs) _files.remove(_path);
+  }
+  NewFile(const NewFile&) = delete;
+  NewFile& operator=(const NewFile&) = delete;
+
+  int fill(std::string_view bytes, const FileStatus* before) {
+    if (_descriptor < 0) return _descriptor;
+    if (before) _files.setMode(_descriptor, before->mode);
+    int result = writeAll(_descriptor, bytes);
+    if (result >= 0) result = _files.flush(_descriptor);
+    const int closed = close();
+    return result < 0 ? result : closed;
+  }
+  int rename(const std::string& target) {
+    const int result = _files.rename(_path, target);
+    if (result >= 0) _isOurs = false;
+    return result;
+  }
+
+ private:
+  void open(const std::string& target) {
+    int number = 0;
+    while (number < kPlaces && !isOpened(placeBeside(target, number))) ++number;
+    if (number == kPlaces) openAt(anyPlaceBeside(target));
+    while (++number < kPlaces && removeLeftover(placeBeside(target, number))) continue;
+  }
+  /// False when somebody has taken the place.
+  bool isOpened(const std::string& place) {
+    if (openAt(place) != -EEXIST) return true;
+    return removeLeftover(place) && openAt(place) != -EEXIST;
+  }
+  int openAt(const std::string& place) {
+    _path = place;
+    _descriptor = _files.open(place, FileSystem::Opening::CreatingNew);
+    _isOurs = _descriptor >= 0;
+    return _descriptor;
+  }
+  int close() { return _descriptor < 0 ? 0 : _files.close(std::exchange(_descriptor, -1)); }
+
+  FileSystem& _files;
+  std::string _path;
+  int _descriptor = -1;
+  bool _isOurs = false;
+};
 
 int writeAtomically(const std::string& path, std::string_view bytes) {
-  auto& files = FileSystem::current();
   FileStatus before;
-  const bool existed = files.statusOfPath(path, &before) == 0;
-  const std::string beside = nameBeside(path);
-  int result = writeNewFile(beside, bytes, existed ? &before : nullptr);
-  if (result == -EEXIST) return result;  // somebody else's file
-  if (result >= 0) result = files.rename(beside, path);
-  if (result < 0) files.remove(beside);
-  return result;
+  const bool existed = FileSystem::current().statusOfPath(path, &before) == 0;
+  NewFile file(path);
+  const int result = file.fill(bytes, existed ? &before : nullptr);
+  return result < 0 ? result : file.rename(path);
 }
 
 }  // namespace

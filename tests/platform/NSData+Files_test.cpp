@@ -2,9 +2,11 @@
 #include <sys/stat.h>
 
 #include <cerrno>
+#include <chrono>
 #include <filesystem>
 #include <thread>
 
+#include "platform/files/LeftoverFile.h"
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSError.h"
 #include "platform/objects/NSException.h"
@@ -195,6 +197,67 @@ TEST(NSDataFiles, AFailedAtomicWriteLeavesTheOldFileAndNoOther) {
     EXPECT_EQ(folder.read("a"), "old");
     EXPECT_EQ(folder.count(), 1u);
   }
+}
+
+/// A write of "a" that ends as if the process had died: what it wrote beside stays.
+void dieWhileWriting(const TemporaryFolder& folder) {
+  FailingFiles files;
+  files.fail(FailingFiles::Call::Rename, EIO);
+  files.fail(FailingFiles::Call::Remove, EIO);
+  ScopedService<FileSystem> installed(files);
+  EXPECT_FALSE(data("half")->writeToURL(folder.url("a"), NSDataWritingAtomic, nullptr));
+}
+
+/// As if nothing in the folder had been changed for so long.
+void age(const TemporaryFolder& folder, std::chrono::minutes time) {
+  for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+    std::filesystem::last_write_time(entry, std::filesystem::file_time_type::clock::now() - time);
+}
+
+TEST(NSDataFiles, AnAtomicWriteRemovesWhatADeadOneLeft) {
+  TemporaryFolder folder;
+  for (int death = 0; death < 3; ++death) dieWhileWriting(folder);
+  EXPECT_EQ(folder.count(), 3u);
+  age(folder, std::chrono::minutes(61));
+  EXPECT_TRUE(data("new")->writeToURL(folder.url("a"), NSDataWritingAtomic, nullptr));
+  EXPECT_EQ(folder.read("a"), "new");
+  EXPECT_EQ(folder.count(), 1u);
+}
+
+TEST(NSDataFiles, AnAtomicWriteLeavesAloneWhatMayBeAnothers) {
+  TemporaryFolder folder;
+  dieWhileWriting(folder);
+  age(folder, std::chrono::minutes(59));  // somebody may still be writing
+  EXPECT_TRUE(data("new")->writeToURL(folder.url("a"), NSDataWritingAtomic, nullptr));
+  EXPECT_EQ(folder.count(), 2u);
+  age(folder, std::chrono::minutes(61));
+  EXPECT_TRUE(data("new")->writeToURL(folder.url("b"), NSDataWritingAtomic, nullptr));
+  EXPECT_EQ(folder.count(), 3u) << "another file's";
+  EXPECT_TRUE(data("new")->writeToURL(folder.url("a"), NSDataWritingAtomic, nullptr));
+  EXPECT_EQ(folder.count(), 2u);
+}
+
+TEST(NSDataFiles, AnAtomicWriteFindsAPlaceHoweverManyAreTaken) {
+  TemporaryFolder folder;
+  for (int death = 0; death < 12; ++death) dieWhileWriting(folder);
+  EXPECT_EQ(folder.count(), 12u);
+  EXPECT_TRUE(data("new")->writeToURL(folder.url("a"), NSDataWritingAtomic, nullptr));
+  EXPECT_EQ(folder.read("a"), "new");
+  EXPECT_EQ(folder.count(), 13u);
+}
+
+TEST(NSDataFiles, NoLeftoverIsAFolderALinkOrAFileWithTwoNames) {
+  TemporaryFolder folder;
+  std::filesystem::create_directory(folder / "folder");
+  folder.write("file", "x");
+  std::filesystem::create_hard_link(folder / "file", folder / "again");
+  folder.write("target", "x");
+  std::filesystem::create_symlink("target", folder / "link");
+  age(folder, std::chrono::minutes(61));
+  for (const char* name : {"folder", "file", "link", "none"})
+    EXPECT_FALSE(removeLeftover(folder / name)) << name;
+  EXPECT_TRUE(removeLeftover(folder / "target"));
+  EXPECT_EQ(folder.count(), 4u);
 }
 
 TEST(NSDataFiles, AnAtomicWriteKeepsTheModeOfTheFile) {

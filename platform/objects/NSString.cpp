@@ -224,6 +224,9 @@ NSComparisonResult NSString::compare(NSString* other) const {
 }
 
 bool NSString::hasPrefix(NSString* prefix) const {
+  // Of valid UTF-8 the bytes tell as well, and nothing is converted for it.
+  const auto mine = keptUTF8(), wantedBytes = prefix ? prefix->keptUTF8() : std::nullopt;
+  if (mine && wantedBytes) return !wantedBytes->empty() && mine->starts_with(*wantedBytes);
   if (!prefix || prefix->length() == 0 || prefix->length() > length()) return false;
   return visitUnits([=](auto units) {
     return prefix->visitUnits(

@@ -247,7 +247,7 @@ struct Decoder : Converter<Byte, char16_t> {
   }
 };
 
-/// To UTF-8. The room is three bytes for each unit.
+/// To UTF-8. The room is what byteRoom() says.
 struct Encoder : Converter<char16_t, char> {
   /// Converts up to the end, or up to a lone surrogate. True at the end.
   bool run() noexcept {
@@ -366,6 +366,17 @@ void cutBehind(Text& text, const typename Text::value_type* end) {
   if (text.capacity() - text.size() >= kMuchRoom) text.shrink_to_fit();
 }
 
+/// How many bytes to make room for: three for each unit, which is quicker than to count, or what
+/// long text takes at most, because room for all of it thrice might be more than there is.
+std::size_t byteRoom(std::u16string_view units) noexcept {
+  constexpr std::size_t kLong = 1 << 16;
+  constexpr std::size_t kBehindLast = 16;  // an encoder stores words
+  if (units.size() < kLong) return 3 * units.size();
+  std::size_t count = units.size() + kBehindLast;
+  for (const char16_t unit : units) count += std::size_t{unit >= 0x80} + std::size_t{unit >= 0x800};
+  return count;
+}
+
 }  // namespace
 
 std::size_t asciiPrefixLength(std::string_view bytes) noexcept {
@@ -385,6 +396,10 @@ std::optional<std::u16string> utf16FromUTF8(std::string_view bytes) {
 }
 
 std::u16string utf16FromLossyUTF8(std::string_view bytes) {
+  constexpr std::size_t kLong = 1 << 16;
+  // A unit for each byte is quicker than to count, but of long text it is room that may be missing.
+  if (bytes.size() >= kLong)
+    if (auto units = utf16FromUTF8(bytes)) return *std::move(units);
   std::u16string units(bytes.size(), u'\0');
   Decoder decoding = decoder(bytes, units);
   while (!decoding.run()) decoding.replace();
@@ -393,7 +408,7 @@ std::u16string utf16FromLossyUTF8(std::string_view bytes) {
 }
 
 std::optional<std::string> utf8FromUTF16(std::u16string_view units) {
-  std::string bytes(3 * units.size(), '\0');  // quicker than to count first
+  std::string bytes(byteRoom(units), '\0');
   Encoder encoding = encoder(units, bytes);
   if (!encoding.run()) return std::nullopt;
   cutBehind(bytes, encoding.to);
@@ -401,7 +416,7 @@ std::optional<std::string> utf8FromUTF16(std::u16string_view units) {
 }
 
 std::string lossyUTF8FromUTF16(std::u16string_view units) {
-  std::string bytes(3 * units.size(), '\0');
+  std::string bytes(byteRoom(units), '\0');
   Encoder encoding = encoder(units, bytes);
   while (!encoding.run()) encoding.replace();
   cutBehind(bytes, encoding.to);

@@ -176,6 +176,9 @@ TEST(NSString, LongTextIsTheSameInEveryForm) {
   EXPECT_EQ(kept()->compare(expected), NSOrderedSame);
   EXPECT_TRUE(kept()->hasPrefix(expected) && expected->hasSuffix(kept()));
   EXPECT_EQ(expected->rangeOfString(kept()), NSRange(0, expected->length()));
+  EXPECT_TRUE(kept()->hasPrefix(kept()) && kept()->hasPrefix(string(bytes.substr(0, 3))));
+  EXPECT_FALSE(kept()->hasPrefix(string("x")) || kept()->hasPrefix(""_ns));
+  EXPECT_FALSE(kept()->hasPrefix(NSString::stringWithUTF8(data(bytes + "x").get())));
   for (const auto& other : {string(bytes + "x"), wide(u"\u00E9"), string(std::string(5000, 'x'))}) {
     EXPECT_FALSE(isEqual(kept(), other));
     EXPECT_FALSE(isEqual(other, kept()));

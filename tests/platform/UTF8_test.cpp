@@ -236,6 +236,18 @@ std::size_t spareRoom(const Text& text) {
   return text.capacity() - text.size();
 }
 
+TEST(UTF8, LongTextsHaveRoomForEveryWidth) {
+  std::u16string units;
+  for (std::size_t i = 0; i < 20'000; ++i) {
+    units += u"a\u00E9\u4E2D\U0001F600";
+    if (i % 1000 == 0) units += u'\xD800';
+  }
+  for (std::size_t cut = 0; cut < 20; ++cut)
+    expectSameAsICU(std::u16string_view(units).substr(cut, units.size() - 2 * cut));
+  for (char16_t one : {u'a', u'\u00E9', u'\u4E2D', u'\xDC00'})
+    expectSameAsICU(std::u16string(100'001, one));
+}
+
 TEST(UTF8, LongTextsKeepNoMoreThanTheyNeed) {
   for (std::size_t length : {std::size_t{10'000}, std::size_t{1'000'000}}) {
     SCOPED_TRACE(length);

@@ -20,10 +20,10 @@
 namespace kbx {
 namespace {
 
-/// Keeps the bytes of ASCII text, which most is.
+/// Keeps the bytes of ASCII text, which most is, and of long text.
 Ref<NSString> stringOf(std::string text) {
   if (asciiPrefixLength(text) == text.size()) return NSString::stringByTakingUTF8(std::move(text));
-  return NSString::stringByTakingUTF16(utf16FromLossyUTF8(text));
+  return NSString::stringWithLossyUTF8(text);
 }
 
 /// The text between angle brackets, or all of it.

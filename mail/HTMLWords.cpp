@@ -1,6 +1,7 @@
 #include "mail/HTMLWords.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cstdint>
 
@@ -13,35 +14,47 @@ constexpr std::size_t kNone = std::string_view::npos;
 constexpr std::size_t kLongestCompared = 1 << 22;
 using Hash = std::uint64_t;
 
+/// What a byte is to a word: its lower-case letter, or 0 between words.
+constexpr std::array<unsigned char, 256> kLetters = [] {
+  std::array<unsigned char, 256> letters{};
+  for (int byte = 0; byte < 256; ++byte) {
+    const char c = static_cast<char>(byte);
+    if (byte >= 0x80 || isASCIIAlphanumeric(c))
+      letters[static_cast<std::size_t>(byte)] = static_cast<unsigned char>(asciiLower(c));
+  }
+  return letters;
+}();
+
 /// Collects the hashes of words from bytes.
 class WordHasher {
  public:
   explicit WordHasher(Words& words) : _words(words) {}
 
-  void add(char c) {
-    const bool isLetter = isASCIIAlphanumeric(c) || static_cast<unsigned char>(c) >= 0x80;
-    if (!isLetter) return end();
-    _hash = (_hash ^ static_cast<unsigned char>(asciiLower(c))) * 0x100000001B3;
-    _isInWord = true;
-  }
   void add(std::string_view text) {
     for (std::size_t i = 0; i < text.size(); ++i) {
-      const std::size_t length = separatorLength(text.substr(i, 3));
-      if (length == 0) {
-        add(text[i]);
-      } else {
+      const unsigned char letter = kLetters[static_cast<unsigned char>(text[i])];
+      const std::size_t separator = letter < 0x80 ? 0 : separatorLength(text.substr(i, 3));
+      if (letter == 0 || separator > 0) {
         end();
-        i += length - 1;
+        i += separator > 0 ? separator - 1 : 0;
+      } else {
+        _hash = (_hash ^ letter) * 0x100000001B3;
+        _isInWord = true;
       }
     }
   }
   void end() {
-    if (_isInWord) _words.push_back(_hash);
+    if (_isInWord) take(_hash);
     _hash = kStart;
     _isInWord = false;
   }
 
  private:
+  /// Most words of a text are some that it has had a moment ago; these need not be sorted out.
+  void take(Hash hash) {
+    Hash& recent = _recent[(hash ^ hash >> 32) % kRecent];
+    if (recent != hash) _words.push_back(recent = hash);
+  }
   /// Of a blank or a punctuation mark beyond ASCII: U+0080 to U+00BF and U+2000 to U+206F.
   static std::size_t separatorLength(std::string_view text) {
     if (text[0] == '\xC2') return 2;
@@ -49,9 +62,11 @@ class WordHasher {
   }
 
   static constexpr Hash kStart = 0xCBF29CE484222325;
+  static constexpr std::size_t kRecent = 512;
   Words& _words;
   Hash _hash = kStart;
   bool _isInWord = false;
+  std::array<Hash, kRecent> _recent{};  // no word has the hash 0 but by chance
 };
 
 struct Entity {
@@ -118,7 +133,8 @@ class ShownText {
 
   void walk() {
     while (_at < _html.size()) {
-      const std::size_t mark = std::min(_html.find_first_of("<&", _at), _html.size());
+      std::size_t mark = _at;
+      while (mark < _html.size() && _html[mark] != '<' && _html[mark] != '&') ++mark;
       _words.add(_html.substr(_at, mark - _at));
       _at = mark;
       if (_at == _html.size()) break;

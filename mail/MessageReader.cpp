@@ -36,6 +36,24 @@ std::string_view takeFirstLine(std::string_view* text) {
   return whole;
 }
 
+/// Where the first line ends that one with two dashes follows; npos without one.
+std::size_t findDashedLine(std::string_view bytes) {
+  constexpr std::size_t kBlock = 64;
+  constexpr std::string_view kDashed = "\n--";
+  std::size_t at = 0;
+  // A loop over so many bytes that nothing ends early is made of vectors by the compiler.
+  for (; at + kBlock + kDashed.size() <= bytes.size(); at += kBlock) {
+    const char* const block = bytes.data() + at;
+    unsigned char isThere = 0;
+    for (std::size_t i = 0; i < kBlock; ++i)
+      isThere |= static_cast<unsigned char>((block[i] == '\n') & (block[i + 1] == '-'));
+    if (!isThere) continue;
+    const std::size_t found = bytes.substr(at, kBlock + kDashed.size() - 1).find(kDashed);
+    if (found != std::string_view::npos) return at + found;
+  }
+  return bytes.find(kDashed, at);
+}
+
 std::string_view withoutBlanksBehind(std::string_view line) {
   while (!line.empty() && isSpace(line.back())) line.remove_suffix(1);
   return line;
@@ -52,6 +70,11 @@ MessageReader::~MessageReader() = default;
 
 void MessageReader::add(std::string_view bytes) {
   while (!bytes.empty()) {
+    if (const std::size_t body = bodyLength(bytes)) {
+      addBody(bytes.substr(0, body));
+      bytes.remove_prefix(body);
+      continue;
+    }
     const std::size_t end = bytes.find('\n');
     const std::size_t length = end == std::string_view::npos ? bytes.size() : end + 1;
     const std::string_view piece = bytes.substr(0, length);
@@ -71,6 +94,16 @@ void MessageReader::add(std::string_view bytes) {
       takeLine(line);
     }
   }
+}
+
+/// How many bytes at the start are whole lines of a body, none of which can be a boundary. These
+/// need not be looked at one by one.
+std::size_t MessageReader::bodyLength(std::string_view bytes) const {
+  const bool isInBody = _state == State::Skipping || (_state == State::Body && _leafBody);
+  if (!isInBody || _isInLongLine || !_line.empty() || bytes.starts_with("--")) return 0;
+  std::size_t end = findDashedLine(bytes);
+  if (end == std::string_view::npos) end = bytes.rfind('\n');
+  return end == std::string_view::npos ? 0 : end + 1;
 }
 
 /// More of a line that is too long to be a boundary.

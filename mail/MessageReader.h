@@ -56,6 +56,7 @@ class MessageReader {
   MessageReader(TextDecoder& decoder, int embedding);
 
   void takeLine(std::string_view line);
+  std::size_t bodyLength(std::string_view bytes) const;
   void continueLine(std::string_view piece);
   void takeHeaderLine(std::string_view line);
   void takeSuspect(std::string_view line);

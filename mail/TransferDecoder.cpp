@@ -17,7 +17,7 @@ bool isBase64Letter(char c) { return isASCIIAlphanumeric(c) || c == '+' || c == 
 /// Whether the start of a body is plain text under a wrong name: every twentieth character of what
 /// is no line end does not belong to base64.
 bool isNoBase64(std::string_view start) {
-  start = trimmed(start.substr(0, 4 * kTelling));
+  start = trimmed(start);
   std::size_t wrong = 0, right = 0;
   for (char c : start)
     if (isBase64Letter(c))
@@ -60,8 +60,11 @@ TransferDecoder::~TransferDecoder() = default;
 
 void TransferDecoder::add(std::string_view bytes) {
   if (_kind == Kind::Base64 && !_hasBegun) {
-    _start += bytes;
-    if (_start.size() >= kTelling) begin();
+    const std::size_t missing = std::min(kTelling - _start.size(), bytes.size());
+    _start += bytes.substr(0, missing);
+    if (_start.size() < kTelling) return;
+    begin();
+    add(bytes.substr(missing));
   } else if (_kind == Kind::Base64 || _kind == Kind::QuotedPrintable) {
     step(bytes);
   } else {

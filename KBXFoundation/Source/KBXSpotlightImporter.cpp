@@ -88,10 +88,13 @@ bool findInterfaces(PlugIn* plugIn, Importer& importer, Ref<NSError>* error) {
   return true;
 }
 
-/// The length of what may be text.
-std::size_t lengthOf(NSObject* value) {
-  if (auto* string = cast<NSString>(value)) return string->length();
-  if (auto* data = cast<NSData>(value)) return data->length();
+/// Whether what may be text has a length. Long text that is kept in UTF-8 is not converted for it.
+bool hasLength(NSObject* value) {
+  if (auto* string = cast<NSString>(value)) {
+    const auto bytes = string->keptUTF8();
+    return bytes ? !bytes->empty() : string->length() > 0;
+  }
+  if (auto* data = cast<NSData>(value)) return data->length() > 0;
   raiseUnrecognizedSelector(value, "length");
 }
 
@@ -164,7 +167,7 @@ Ref<NSDictionary> KBXSpotlightImporter::ensureTextContent(NSDictionary* attribut
 
 bool KBXSpotlightImporter::hasTextContent(NSDictionary* attributes) {
   NSObject* text = attributes ? attributes->objectForKey(fromCF(kMDItemTextContent)) : nullptr;
-  return text && lengthOf(text) > 0;
+  return text && hasLength(text);
 }
 
 }  // namespace kbx

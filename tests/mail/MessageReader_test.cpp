@@ -240,5 +240,18 @@ TEST(MessageReader, LongLinesAndHeadersAreRead) {
             "Subject: " + word + "\nTo: a@b\n");
 }
 
+TEST(MessageReader, FindsABoundaryWhereverItLiesInABody) {
+  for (std::size_t length = 0; length < 200; ++length) {
+    const std::string body = std::string(length, 'x') + "\n-- \n-\n";
+    const MessageContent content =
+        contentOf("Content-Type: multipart/mixed; boundary=b\n\n--b\n\n" + body +
+                  "--b\nContent-Type: a/b; name=c\n\n" + body + "--b\n\nlast\n--b--\n");
+    EXPECT_EQ(content.namedParts.size(), 1u) << length;
+    MessageContent taken = contentOf("Content-Type: multipart/mixed; boundary=b\n\n--b\n\n" + body +
+                                     "--b\n\nlast\n--b--\n");
+    EXPECT_EQ(taken.sections.take().plain, body + "last\n") << length;
+  }
+}
+
 }  // namespace
 }  // namespace kbx

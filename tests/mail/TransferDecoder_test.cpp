@@ -54,5 +54,15 @@ TEST(TransferDecoder, AnEncodingMayBeFollowedByAComment) {
   EXPECT_EQ(decoded("aGVsbG8=", " base64; (really)"), "hello");
 }
 
+TEST(TransferDecoder, WhatIsBase64DoesNotDependOnThePieces) {
+  // Its start is base64, what follows is not.
+  const std::string bytes = std::string(1100, 'A') + "\n" + std::string(3000, '!');
+  TransferDecoder whole("base64"), cut("base64");
+  whole.add(bytes);
+  for (std::size_t at = 0; at < bytes.size(); at += 7)
+    cut.add(std::string_view(bytes).substr(at, 7));
+  EXPECT_EQ(whole.take(), cut.take());
+}
+
 }  // namespace
 }  // namespace kbx

@@ -3,6 +3,7 @@
 
 #include <fcntl.h>
 #include <spawn.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -20,6 +21,8 @@ struct Finished {
   int exitCode;        // -1 when a signal ended it
   std::string output;  // empty when it went elsewhere
   std::string complaints;
+  double cpuSeconds;      // with that of its children
+  std::size_t peakBytes;  // of it or its largest child; at least the peak of the calling process
 };
 
 /// Set it up, then run() it. Its streams are files, so no program waits for a reader.
@@ -71,8 +74,11 @@ class Process {
     if (!_folder.empty()) ::posix_spawn_file_actions_addchdir_np(&actions, _folder.c_str());
     const pid_t process = spawn(actions);
     ::posix_spawn_file_actions_destroy(&actions);
-    const int exitCode = wait(process);
-    return {exitCode, _hasOutput ? _files.read("out") : "", _files.read("err")};
+    struct rusage usage {};
+    const int exitCode = wait(process, &usage);
+    return {exitCode, _hasOutput ? _files.read("out") : "", _files.read("err"),
+            seconds(usage.ru_utime) + seconds(usage.ru_stime),
+            static_cast<std::size_t>(usage.ru_maxrss) * 1024};
   }
 
  private:
@@ -99,10 +105,13 @@ class Process {
     return process;
   }
 
-  static int wait(pid_t process) {
+  static int wait(pid_t process, struct rusage* usage) {
     int status = 0;
-    while (::waitpid(process, &status, 0) < 0 && errno == EINTR) continue;
+    while (::wait4(process, &status, 0, usage) < 0 && errno == EINTR) continue;
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+  }
+  static double seconds(const struct timeval& time) {
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
   }
 
   std::vector<std::string> _command;

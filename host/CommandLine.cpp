@@ -3,6 +3,8 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <memory>
+#include <optional>
+#include <utility>
 
 #include "host/defaults/DefaultsCommand.h"
 #include "host/import/AttributesCommand.h"
@@ -82,6 +84,31 @@ void takeDefaults(std::vector<std::string>& arguments) {
   NSUserDefaults::setArguments(pairs);
 }
 
+/// The word "--name=value" in two parts; the second is absent for any other word.
+std::pair<std::string, std::optional<std::string>> splitAtEquals(const std::string& word) {
+  const std::size_t equals = word.starts_with("--") ? word.find('=') : word.npos;
+  if (equals == word.npos) return {word, std::nullopt};
+  return {word.substr(0, equals), word.substr(equals + 1)};
+}
+
+/// Says of each "--name=value" what the parser means by it alone: an empty value would be taken
+/// from the word behind, and a flag would be switched by it.
+std::vector<std::string> withoutEmptyValues(const CLI::App& options,
+                                            std::vector<std::string> arguments) {
+  std::vector<std::string> words;
+  auto word = arguments.begin();
+  for (; word != arguments.end() && *word != "--"; ++word) {
+    auto [name, value] = splitAtEquals(*word);
+    const auto* option = value ? options.get_option_no_throw(name) : nullptr;
+    if (option && option->get_expected_max() == 0) throw UsageError(name + " takes no value");
+    const bool isEmpty = option && value->empty();
+    words.push_back(isEmpty ? std::move(name) : std::move(*word));
+    if (isEmpty) words.emplace_back();
+  }
+  words.insert(words.end(), word, arguments.end());
+  return words;
+}
+
 /// What the parser could not place: the operands. The parser's own lists of operands take brackets
 /// apart, which file names may well have.
 std::vector<std::string> operandsOf(const CLI::App& options, bool withDashes) {
@@ -108,12 +135,17 @@ ExitCode parseAndRun(Command& command, std::vector<std::string> arguments, Conso
   options.allow_extras();
   command.declareOptions(options);
   if (command.takesDefaults()) takeDefaults(arguments);
+  arguments = withoutEmptyValues(options, std::move(arguments));
   std::ranges::reverse(arguments);  // the parser takes them from the end
   try {
     options.parse(std::move(arguments));
   } catch (const CLI::CallForHelp&) {
     console.output.write(options.help());
     return kDone;
+  } catch (const CLI::ArgumentMismatch& error) {
+    const std::string_view what = error.what();
+    if (what.find("At Most 1") == what.npos) throw UsageError(error.what());
+    throw UsageError(std::string(what.substr(0, what.find(':'))) + " may be given once");
   } catch (const CLI::ParseError& error) {
     throw UsageError(error.what());
   }
@@ -134,8 +166,13 @@ ExitCode runCommandLine(const std::vector<std::string>& arguments, Console& cons
     return kMisused;
   }
   const std::string& first = arguments.front();
-  if (first == "--help" || first == "-h" || first == "--version") {
-    console.output.write(first == "--version" ? kVersion : generalHelp());
+  if (first == "--help" || first == "-h" || first == "help") {
+    if (arguments.size() > 1) return runCommandLine({arguments[1], "--help"}, console);
+    console.output.write(generalHelp());
+    return kDone;
+  }
+  if (first == "--version") {
+    console.output.write(kVersion);
     return kDone;
   }
   auto command = commandNamed(first);

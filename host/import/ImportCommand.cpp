@@ -1,6 +1,7 @@
 #include "host/import/ImportCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <optional>
 
 #include "host/console/Interruption.h"
@@ -21,9 +22,9 @@ namespace {
 struct Options {
   std::optional<std::string> importer;  // absent for those that are installed
   std::string staging = "private";
-  std::string pathList;  // empty for none
+  std::optional<std::string> pathList;
   AttributeFilter filter;
-  std::string nullMarker = "(null)";
+  std::optional<std::string> nullMarker;  // of --raw
   std::string isolation = "process";
   std::optional<unsigned> workers;  // absent for one on each processor
   std::optional<unsigned> seconds;  // for one message; absent for the usual limits
@@ -163,7 +164,7 @@ void ImportCommand::declareOptions(CLI::App& options) {
 }
 
 void ImportCommand::checkUsage(const std::vector<std::string>& operands) const {
-  if (operands.empty() && _options.pathList.empty()) throw UsageError("import needs a PATH");
+  if (operands.empty() && !_options.pathList) throw UsageError("import needs a PATH");
   if (_options.isJSON + _options.isLines + _options.isPropertyList + _options.isBare > 1)
     throw UsageError("--json, --ndjson, --plist and --raw exclude each other");
   if (_options.isBare && _options.filter.names.empty()) throw UsageError("--raw needs --name");
@@ -177,23 +178,33 @@ void ImportCommand::checkUsage(const std::vector<std::string>& operands) const {
     throw UsageError("--isolate=none excludes -j and --timeout");
   if (_options.importer && _options.importer->empty())
     throw UsageError("--importer needs a BUNDLE");
+  if (_options.pathList && _options.pathList->empty())
+    throw UsageError("--files-from needs a FILE");
+  if (std::ranges::find(_options.filter.names, "") != _options.filter.names.end())
+    throw UsageError("--name needs an ATTRIBUTE");
+  if (_options.isNulSeparated && !_options.pathList) throw UsageError("-0 needs --files-from");
+  if (_options.nullMarker && !_options.isBare) throw UsageError("--null-marker needs --raw");
+  if (std::ranges::count(operands, kStandardInputName) + (_options.pathList == kStandardInputName) >
+      1)
+    throw UsageError("standard input can be read once");
 }
 
 std::unique_ptr<Results> ImportCommand::makeResults(Output& output, bool hasSeveral) const {
   if (_options.isJSON) return makeJSONResults(output);
   if (_options.isPropertyList) return makePropertyListResults(output);
   if (_options.isLines) return makeLineResults(output);
-  if (_options.isBare) return makeRawValues(output, _options.filter.names, _options.nullMarker);
+  if (_options.isBare)
+    return makeRawValues(output, _options.filter.names, _options.nullMarker.value_or("(null)"));
   return makeTextResults(output, hasSeveral);
 }
 
 bool ImportCommand::addListedPaths(std::vector<std::string>& operands,
                                    Diagnostics& diagnostics) const {
-  if (_options.pathList.empty()) return true;
+  if (!_options.pathList) return true;
   Ref<NSError> error;
-  if (addPathsFrom(_options.pathList, _options.isNulSeparated ? '\0' : '\n', operands, &error))
+  if (addPathsFrom(*_options.pathList, _options.isNulSeparated ? '\0' : '\n', operands, &error))
     return true;
-  diagnostics.failure(_options.pathList, error->localizedDescription());
+  diagnostics.failure(*_options.pathList, error->localizedDescription());
   return false;
 }
 
@@ -226,7 +237,7 @@ ExitCode ImportCommand::run(std::vector<std::string> operands, Console& console)
 
 ExitCode ImportCommand::importAll(ImportWorkers& workers, std::vector<std::string> operands,
                                   Console& console) const {
-  const bool isNamedAlone = operands.size() == 1 && _options.pathList.empty();
+  const bool isNamedAlone = operands.size() == 1 && !_options.pathList;
   InputFiles inputs(std::move(operands));
   // The text form is another for one file than for several, so one is looked at ahead.
   std::optional<Input> input = inputs.next(), following = inputs.next();

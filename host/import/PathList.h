@@ -16,8 +16,8 @@ namespace kbx {
 /// A path "-" is that of a file with this name.
 std::vector<std::string> pathsIn(std::string_view list, char separator);
 
-/// Adds the paths that the file lists, or standard input for "-". False when it cannot be read;
-/// then the error says why.
+/// Adds the paths that the file or pipe lists, or standard input for "-". False when it cannot be
+/// read; then the error says why.
 bool addPathsFrom(const std::string& file, char separator, std::vector<std::string>& paths,
                   Ref<NSError>* error);
 

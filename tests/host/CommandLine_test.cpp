@@ -22,8 +22,14 @@ Answer run(const std::vector<std::string>& arguments) {
 }
 
 TEST(CommandLine, HelpThatIsAskedForIsOutput) {
-  for (std::vector<std::string> arguments :
-       {std::vector<std::string>{"--help"}, {"-h"}, {"import", "--help"}, {"import", "-h", "x"}}) {
+  for (std::vector<std::string> arguments : {std::vector<std::string>{"--help"},
+                                             {"-h"},
+                                             {"import", "--help"},
+                                             {"import", "-h", "x"},
+                                             {"help"},
+                                             {"help", "import"},
+                                             {"--help", "import"},
+                                             {"import", "help", "-h"}}) {
     auto [code, output, complaints] = run(arguments);
     EXPECT_EQ(code, kDone);
     EXPECT_NE(output.find("Usage: ferncase"), std::string::npos);
@@ -34,6 +40,17 @@ TEST(CommandLine, HelpThatIsAskedForIsOutput) {
 TEST(CommandLine, TheGeneralHelpListsTheCommands) {
   EXPECT_NE(run({"--help"}).output.find("\n  import      Print"), std::string::npos);
   EXPECT_NE(run({"--help"}).output.find("\n  defaults    Read"), std::string::npos);
+}
+
+TEST(CommandLine, HelpForACommandIsThatOfTheCommand) {
+  for (auto word : {"help", "--help", "-h"})
+    EXPECT_EQ(run({word, "import"}).output, run({"import", "--help"}).output);
+}
+
+TEST(CommandLine, BehindTheMarkNothingIsAnOption) {
+  auto answer = run({"import", "--importer=/gone", "--", "--json=false", "--name="});
+  EXPECT_EQ(answer.code, kNoneDelivered);
+  EXPECT_EQ(answer.complaints, "ferncase: /gone: No such file or directory: /gone\n");
 }
 
 TEST(CommandLine, ADashAndACapitalLetterBeginADefaultOfThisRun) {
@@ -98,6 +115,19 @@ TEST(CommandLine, WrongUsageIsToldWithAHint) {
          "--json, --ndjson, --plist and --raw exclude each other",
          "import --help"},
         {{"attributes", "x"}, "attributes takes no x", "attributes --help"},
+        {{"import", "--importer=", "x", "a"}, "--importer needs a BUNDLE", "import --help"},
+        {{"import", "--files-from=", "a"}, "--files-from needs a FILE", "import --help"},
+        {{"import", "--name=", "a"}, "--name needs an ATTRIBUTE", "import --help"},
+        {{"import", "--json=false", "a"}, "--json takes no value", "import --help"},
+        {{"import", "--verbose=", "a"}, "--verbose takes no value", "import --help"},
+        {{"import", "--stage=private", "--stage=beside", "a"},
+         "--stage may be given once",
+         "import --help"},
+        {{"import", "-0", "a"}, "-0 needs --files-from", "import --help"},
+        {{"import", "--null-marker=x", "a"}, "--null-marker needs --raw", "import --help"},
+        {{"import", "-", "-"}, "standard input can be read once", "import --help"},
+        {{"import", "-", "--files-from=-"}, "standard input can be read once", "import --help"},
+        {{"help", "frob"}, "unknown command frob", "--help"},
         {{"import", "--stage=nowhere", "a"}, "--stage is private or beside", "import --help"}}) {
     auto answer = run(arguments);
     EXPECT_EQ(answer.code, kMisused);

@@ -2,6 +2,9 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <thread>
 
 #include "tests/support/TemporaryFolder.h"
 
@@ -35,6 +38,28 @@ TEST(PathList, TheListIsAddedToWhatIsThere) {
   EXPECT_THAT(paths, ElementsAre("a", "b", "c"));
   EXPECT_FALSE(addPathsFrom((folder / "gone").string(), '\n', paths, &error));
   EXPECT_EQ(error->code(), 260);
+}
+
+TEST(PathList, APipeIsReadUntilItsWriterIsDone) {
+  TemporaryFolder folder;
+  const std::string pipe = (folder / "pipe").string();
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  std::string list;
+  for (int i = 0; i < 20'000; ++i) list += "path " + std::to_string(i) + "\n";
+  std::thread writer([&] { std::ofstream(pipe) << list; });
+  std::vector<std::string> paths;
+  Ref<NSError> error;
+  EXPECT_TRUE(addPathsFrom(pipe, '\n', paths, &error));
+  writer.join();
+  ASSERT_EQ(paths.size(), 20'000u);
+  EXPECT_EQ(paths.back(), "path 19999");
+}
+
+TEST(PathList, AnEmptyDeviceListsNothing) {
+  std::vector<std::string> paths;
+  Ref<NSError> error;
+  EXPECT_TRUE(addPathsFrom("/dev/null", '\n', paths, &error));
+  EXPECT_TRUE(paths.empty());
 }
 
 }  // namespace

@@ -47,8 +47,9 @@ Ref<NSDictionary> ImporterChoice::attributesOfFile(NSURL* file, NSURL* contents,
   }
   // What is no message is read where it lies, by an importer that knows no raw text.
   const bool isMessage = path == bundleFor(kMessageType);
+  Staging* const staging = contents ? _messages.stagingOfCopies : _messages.staging;
   return FileImporter(*loaded.bundle, isMessage && _messages.usesMailImporter,
-                      isMessage ? _messages.staging : nullptr)
+                      isMessage ? staging : nullptr)
       .attributesOfFile(file, contents, error);
 }
 

@@ -18,7 +18,8 @@ class ImporterChoice {
  public:
   struct Messages {
     bool usesMailImporter = true;
-    Staging* staging = nullptr;  // nullptr for the messages' own folders
+    Staging* staging = nullptr;          // nullptr for the messages' own folders
+    Staging* stagingOfCopies = nullptr;  // the same for messages that are read from a copy
   };
 
   /// catalog  where importers are chosen from; must hold one for messages, or `fallback` takes them

@@ -7,8 +7,10 @@ std::string importerPath(const ImportSettings& settings) {
 }
 
 ImporterChoice importersFor(const ImportSettings& settings, Staging* staging) {
-  const ImporterChoice::Messages messages{settings.usesMailImporter,
-                                          isStaged(settings) ? staging : nullptr};
+  const bool isNeeded = settings.usesMailImporter;  // raw text is read where it lies
+  const ImporterChoice::Messages messages{
+      isNeeded, isNeeded && settings.isStagedPrivately ? staging : nullptr,
+      isNeeded ? staging : nullptr};
   if (settings.importer) return {{}, importerPath(settings), messages};
   return {installedImporters(), importerPath(settings), messages};
 }

@@ -6,13 +6,9 @@
 
 namespace kbx {
 
-/// staging  where messages are staged, if they are (isStaged())
+/// staging  where messages are staged, if they are: only the mail importer's copies are worth a
+///          folder, and may be wanted beside the message
 ImporterChoice importersFor(const ImportSettings& settings, Staging* staging);
-
-/// Whether messages are staged: only the mail importer's copies are worth a folder.
-inline bool isStaged(const ImportSettings& settings) {
-  return settings.usesMailImporter && settings.isStagedPrivately;
-}
 
 /// The path of the bundle for messages where no installed one declares their type, or of the one to
 /// ask for every file.

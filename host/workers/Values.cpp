@@ -100,8 +100,7 @@ void Writer::value(NSObject* object) {
   if (auto* count = cast<NSNumber>(object)) return number(count);
   if (auto* list = cast<NSArray>(object)) return array(list);
   if (auto* entries = cast<NSDictionary>(object)) return dictionary(entries);
-  if (auto* data = cast<NSData>(object))
-    return run(Tag::Data, data->bytes(), data->length());
+  if (auto* data = cast<NSData>(object)) return run(Tag::Data, data->bytes(), data->length());
   auto* date = cast<NSDate>(object);
   if (!date) return tag(Tag::Null);
   tag(Tag::Date);

@@ -1,13 +1,14 @@
 // TestMail: stands in for the system's mail importer. Reads .emlx files as written by the driver.
 //
 // The header X-Test of a message asks for something else than subject and text: html-only, no-text,
-// and after the subject raise, throw (a foreign exception), fail.
+// and after the subject raise, throw (a foreign exception), fail, or something worse (Misdeeds.h).
 #include <charconv>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 
 #include "Instance.h"
+#include "Misdeeds.h"
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSException.h"
 #include "platform/plugins/Bridge.h"
@@ -60,6 +61,7 @@ Boolean importMessage(NSMutableDictionary* attributes, std::string_view message)
   if (test == "throw") throw std::runtime_error("the message asks for it");
   if (test == "fail") return false;
   if (test == "no-text") return true;
+  doMisdeed(test, attributes);
   attributes->setObjectForKey(
       string(body(message)), fromCF(test == "html-only" ? kMDItemHTMLContent : kMDItemTextContent));
   return true;

@@ -38,10 +38,13 @@ void setLimit(__rlimit_resource_t resource, rlim_t value) {
   ::setrlimit(resource, &limit);
 }
 
+/// Rounded up.
 rlim_t processorSecondsSoFar() {
   rusage usage{};
   ::getrusage(RUSAGE_SELF, &usage);
-  return static_cast<rlim_t>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec);
+  const auto microseconds = usage.ru_utime.tv_usec + usage.ru_stime.tv_usec;
+  return static_cast<rlim_t>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
+                             microseconds / 1'000'000 + 1);
 }
 
 }  // namespace
@@ -53,8 +56,7 @@ MessageLimits::MessageLimits(const ImportLimits& limits)
 }
 
 void MessageLimits::begin(std::uint64_t size) {
-  // What is counted in whole seconds may lack nearly two of them.
-  setLimit(RLIMIT_CPU, processorSecondsSoFar() + _limits.processorSeconds + 2);
+  setLimit(RLIMIT_CPU, processorSecondsSoFar() + _limits.processorSeconds);
   if (_base > 0) limitMemory(_base + _limits.memory + size * kCopies / kStep * kStep);
 }
 

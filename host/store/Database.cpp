@@ -133,6 +133,7 @@ bool Statement::run(Ref<NSError>* error) {
 }
 
 void Statement::reset() {
+  if (!_handle) return;
   sqlite3_reset(_handle);
   sqlite3_clear_bindings(_handle);
 }

@@ -108,6 +108,7 @@ class StoreWriter final : public StoreReader {
   struct Statements;
   StoreWriter(std::unique_ptr<Database> database, std::unique_ptr<WriterLock> lock);
 
+  bool findFile(std::string_view path, std::int64_t& id, Ref<NSError>* error);
   std::optional<std::int64_t> putFile(std::string_view path, const FileState& state,
                                       std::string_view hash, std::string_view failure,
                                       Ref<NSError>* error);

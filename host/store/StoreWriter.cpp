@@ -144,19 +144,24 @@ void bindState(Statement& statement, const FileState& state) {
 
 }  // namespace
 
+/// The id of a file, or 0 when the store does not know it. False on failure.
+bool StoreWriter::findFile(std::string_view path, std::int64_t& id, Ref<NSError>* error) {
+  Statement& file = _statements->idOfPath;
+  const Statement::Step found = file.bindBytes(1, path).step(error);
+  id = found == Statement::Step::Row ? file.integer(0) : 0;
+  file.reset();
+  return found != Statement::Step::Failed;
+}
+
 std::optional<std::int64_t> StoreWriter::putFile(std::string_view path, const FileState& state,
                                                  std::string_view hash, std::string_view failure,
                                                  Ref<NSError>* error) {
-  Ref<NSError> problem;
-  const auto known = idOfPath(path, &problem);
-  if (problem) {
-    tell(error, problem);
-    return std::nullopt;
-  }
+  std::int64_t known = 0;
+  if (!findFile(path, known, error)) return std::nullopt;
   Statement& file = known ? _statements->changeFile : _statements->addFile;
   if (known) {
-    if (!forgetMessage(*known, error)) return std::nullopt;
-    file.bind(1, *known);
+    if (!forgetMessage(known, error)) return std::nullopt;
+    file.bind(1, known);
   } else {
     file.bindBytes(1, path);
   }
@@ -164,7 +169,7 @@ std::optional<std::int64_t> StoreWriter::putFile(std::string_view path, const Fi
   hash.empty() ? file.bindNothing(7) : file.bindBytes(7, hash);
   failure.empty() ? file.bindNothing(8) : file.bind(8, failure);
   if (!file.run(error)) return std::nullopt;
-  return known ? *known : database().lastId();
+  return known ? known : database().lastId();
 }
 
 namespace {
@@ -268,13 +273,10 @@ bool StoreWriter::removeId(std::int64_t id, Ref<NSError>* error) {
 }
 
 bool StoreWriter::remove(std::string_view path, Ref<NSError>* error) {
-  Ref<NSError> problem;
-  const auto id = idOfPath(path, &problem);
-  if (!id) {
-    tell(error, problem);
-    return problem == nullptr;
-  }
-  return change(error, [&] { return removeId(*id, error); });
+  return change(error, [&] {
+    std::int64_t id = 0;
+    return findFile(path, id, error) && (id == 0 || removeId(id, error));
+  });
 }
 
 /// The words of the name are part of the index, which knows whole messages only.
@@ -289,18 +291,14 @@ bool StoreWriter::rename(std::int64_t id, std::string_view oldPath, std::string_
 
 bool StoreWriter::move(std::string_view oldPath, std::string_view newPath, const FileState& state,
                        Ref<NSError>* error) {
-  Ref<NSError> problem;
-  const auto id = idOfPath(oldPath, &problem);
-  const auto other = problem ? std::nullopt : idOfPath(newPath, &problem);
-  if (!id || problem) {
-    tell(error, problem);
-    return problem == nullptr;
-  }
   return change(error, [&] {
-    if (other && *other != *id && !removeId(*other, error)) return false;
-    if (!rename(*id, oldPath, newPath, error)) return false;
+    std::int64_t id = 0, other = 0;
+    if (!findFile(oldPath, id, error) || !findFile(newPath, other, error)) return false;
+    if (id == 0) return true;
+    if (other != 0 && other != id && !removeId(other, error)) return false;
+    if (!rename(id, oldPath, newPath, error)) return false;
     Statement& file = _statements->touchFile;
-    file.bind(1, *id);
+    file.bind(1, id);
     bindState(file, state);
     return file.bindBytes(7, newPath).run(error);
   });

@@ -1,6 +1,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <filesystem>
+#include <system_error>
+
 #include "host/store/Schema.h"
 #include "host/store/Store.h"
 #include "host/store/StoreErrors.h"
@@ -22,16 +25,18 @@ bool hasContent(const std::string& path) {
   return ::stat(path.c_str(), &state) == 0 && state.st_size > 0;
 }
 
-std::string folderOf(const std::string& path) {
-  const std::size_t slash = path.rfind('/');
-  if (slash == path.npos) return ".";
-  return slash == 0 ? "/" : path.substr(0, slash);
+/// The file itself, by whatever name it was called: its log lies beside it.
+std::filesystem::path realPath(const std::string& path) {
+  std::error_code failure;
+  const auto real = std::filesystem::weakly_canonical(path, failure);
+  return failure ? std::filesystem::path(path) : real;
 }
 
 /// Whether the store lies where nobody writes, this process at least, and nothing waits in its log.
 /// The database cannot make the log's index there, and needs none.
 bool canBeReadAsFixed(const std::string& path) {
-  return ::access(folderOf(path).c_str(), W_OK) != 0 && !hasContent(path + "-wal");
+  const std::filesystem::path real = realPath(path);
+  return ::access(real.parent_path().c_str(), W_OK) != 0 && !hasContent(real.string() + "-wal");
 }
 
 std::unique_ptr<Database> openAs(const std::string& path, Database::Access access,

@@ -104,6 +104,8 @@ class Walk {
         plainWord();
       } else if (isBetween && _chainedWords == 0) {
         ++_at;
+      } else if (_word.isOpen() && wordByte(byte)) {
+        plainRest();
       } else {
         const Character character = characterAt(_text, _at);
         const Place place{_at, _at + character.length};
@@ -139,6 +141,13 @@ class Walk {
     if (!isASCII(next)) return;
     isJoined ? joiner({_at, _at + 1}) : separate();
     ++_at;
+  }
+
+  /// What is ASCII of a word that is not.
+  void plainRest() {
+    while (_at < _text.size() && wordByte(_text[_at]))
+      _word.append(static_cast<char32_t>(wordByte(_text[_at++])));
+    _wordPlace.end = _at;
   }
 
   /// Moves behind the word, copies as much of it as a token holds, and answers how much that is.

@@ -82,6 +82,16 @@ TEST_F(StoreTroubles, TheMessageNamesTheProcessThatWrites) {
   EXPECT_TRUE(StoreWriter::open(path(), &error)) << said();
 }
 
+TEST_F(StoreTroubles, AStoreByAnotherNameIsTheSame) {
+  fill(1);
+  const std::string other = (folder / "other.db").string();
+  std::filesystem::create_symlink("mail.db", other);
+  auto store = StoreWriter::open(path(), &error);
+  EXPECT_FALSE(StoreWriter::open(other, &error));
+  EXPECT_EQ(error->code(), StoreBusyError);
+  EXPECT_NE(said().find("this process"), std::string::npos) << said();
+}
+
 TEST_F(StoreTroubles, AChildOfTheWriterDoesNotKeepTheLock) {
   int ends[2];
   ASSERT_EQ(::pipe(ends), 0);
@@ -196,6 +206,19 @@ TEST_F(StoreTroubles, EveryDamagedPageIsAnErrorOrAFindingNeverACrash) {
     const auto findings = checkStore(path(), &error);
     EXPECT_TRUE(findings ? !findings->empty() : error != nullptr);
     EXPECT_TRUE(findings || said().find(path()) != std::string::npos) << said();
+  }
+}
+
+TEST_F(StoreTroubles, AStoreThatWasCutIsAnErrorOrAFinding) {
+  fill(200);
+  const std::string sound = folder.read("mail.db");
+  for (const std::size_t size : {sound.size() - 1, sound.size() - 8192, sound.size() / 2,
+                                 std::size_t{8192}, std::size_t{100}, std::size_t{1}}) {
+    SCOPED_TRACE(size);
+    folder.write("mail.db", sound.substr(0, size));
+    error = nullptr;
+    const auto findings = checkStore(path(), &error);
+    EXPECT_TRUE(findings ? !findings->empty() : error != nullptr);
   }
 }
 

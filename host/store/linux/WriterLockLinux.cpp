@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
 #include <mutex>
 #include <set>
 #include <system_error>
@@ -64,6 +65,13 @@ Ref<NSError> busy(const std::string& storePath, pid_t process) {
                                                 " is writing to the store; wait for it or end it");
 }
 
+/// Beside the file itself, by whatever name it was called.
+std::string lockPathOf(const std::string& storePath) {
+  std::error_code failure;
+  const auto real = std::filesystem::weakly_canonical(storePath, failure);
+  return (failure ? storePath : real.string()) + "-lock";
+}
+
 /// Zero when the lock was taken, -1 when it cannot be, else the process that holds it.
 pid_t lockOf(int descriptor) {
   while (true) {
@@ -81,7 +89,7 @@ pid_t lockOf(int descriptor) {
 std::unique_ptr<WriterLock> WriterLock::take(const std::string& storePath, Ref<NSError>* error) {
   HeldFiles& held = heldFiles();
   std::lock_guard guard(held.mutex);
-  const std::string path = storePath + "-lock";
+  const std::string path = lockPathOf(storePath);
   struct stat state;
   if (::stat(path.c_str(), &state) == 0 && held.files.contains({state.st_dev, state.st_ino})) {
     tell(error, busy(storePath, ::getpid()));

@@ -1,3 +1,6 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <filesystem>
 #include <system_error>
 
@@ -35,6 +38,13 @@ bool makeFolderOf(const std::string& path, Ref<NSError>* error) {
   tell(error, storeError(StoreUnreadableError, path,
                          "its folder cannot be made (" + failure.message() + ")"));
   return false;
+}
+
+/// Makes the file for its user alone, where there is none. An existing one is not even opened:
+/// closing it would give up the locks that a reader in this process may hold.
+void makePrivateFile(const std::string& path) {
+  const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
+  if (descriptor >= 0) ::close(descriptor);
 }
 
 }  // namespace
@@ -86,6 +96,7 @@ std::unique_ptr<StoreWriter> StoreWriter::open(const std::string& path, Ref<NSEr
   if (!makeFolderOf(path, error)) return nullptr;
   auto lock = WriterLock::take(path, error);
   if (!lock) return nullptr;
+  makePrivateFile(path);
   auto database = Database::open(path, Database::Access::Creating, error);
   if (!database) return nullptr;
   if (registerTokenizer(database->handle()) != 0) {

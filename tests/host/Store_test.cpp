@@ -7,6 +7,7 @@
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSDate.h"
 #include "platform/objects/NSNumber.h"
+#include "tests/support/FakeEnvironment.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kbx {
@@ -170,6 +171,29 @@ TEST_F(StoreTest, WhatIsRolledBackWasNeverThere) {
   store->rollback();
   EXPECT_EQ(found(*store, "words"), "");
   EXPECT_FALSE(store->commit(&error));
+}
+
+TEST_F(StoreTest, TheStoreIsItsUsersAlone) {
+  auto store = writer();
+  ASSERT_TRUE(store->begin(&error));
+  using std::filesystem::perms;
+  constexpr perms others = perms::group_all | perms::others_all;
+  for (const auto& entry : std::filesystem::directory_iterator(folder / "data"))
+    EXPECT_EQ(entry.status().permissions() & others, perms::none) << entry.path();
+  EXPECT_EQ(std::filesystem::status(folder / "data").permissions(), perms::owner_all);
+}
+
+TEST_F(StoreTest, WithoutAnswersOfTheEnvironmentThereIsNoDefaultPlace) {
+  const auto place = [](std::vector<std::string> variables) {
+    FakeEnvironment environment(std::move(variables));
+    ScopedService<Environment> installed(environment);
+    return defaultStorePath();
+  };
+  EXPECT_EQ(place({"HOME=/home/me"}), "/home/me/.local/share/ferncase/mail.db");
+  EXPECT_EQ(place({"HOME=/home/me", "XDG_DATA_HOME=/data"}), "/data/ferncase/mail.db");
+  EXPECT_EQ(place({"HOME=/home/me", "XDG_DATA_HOME=data"}),
+            "/home/me/.local/share/ferncase/mail.db");
+  EXPECT_EQ(place({"HOMER=/home/me"}), std::nullopt);
 }
 
 TEST_F(StoreTest, AMissingStoreIsNamed) {

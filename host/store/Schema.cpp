@@ -45,6 +45,14 @@ CREATE TABLE message (
   attributes BLOB
 );
 CREATE INDEX message_date ON message (date);
+CREATE TABLE folder (
+  path BLOB PRIMARY KEY,
+  indexed INTEGER
+) WITHOUT ROWID;
+CREATE TABLE setting (
+  name TEXT PRIMARY KEY,
+  value BLOB
+) WITHOUT ROWID;
 CREATE VIRTUAL TABLE word USING fts5 (
   subject, sender, recipient, cc, bcc, body, attachment, file, list,
   content='message', content_rowid='id', tokenize='ferncase'

@@ -10,6 +10,7 @@
 #include "host/import/AttributesCommand.h"
 #include "host/import/ImportCommand.h"
 #include "host/import/ImportersCommand.h"
+#include "host/index/IndexCommand.h"
 #include "platform/preferences/NSUserDefaults.h"
 
 namespace kbx {
@@ -21,6 +22,7 @@ constexpr MakeCommand kCommands[] = {
     makeImportCommand,
     makeImportersCommand,
     makeAttributesCommand,
+    makeIndexCommand,
     makeDefaultsCommand,
 };
 

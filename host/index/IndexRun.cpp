@@ -90,7 +90,8 @@ End IndexRun::run(const std::vector<std::string>& roots, Ref<NSError>* error) {
   if (Interruption::isWished()) return End::Interrupted;
   if (_plan.isFutile()) return End::Futile;
   const End end = work(roots, error);
-  const bool isNoted = end != End::Done || noteIndexed(_store, roots, start, error);
+  const bool isNoted =
+      end != End::Done || noteIndexed(_store, roots, start, _batches.hasChanges(), error);
   return isNoted ? end : End::StoreFailed;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <cstring>
 
 #include "host/index/FolderWalk.h"
@@ -12,6 +13,7 @@ namespace kbx {
 namespace {
 
 constexpr std::uint64_t kBatch = 2000;
+constexpr std::int64_t kHour = std::int64_t{3600} * 1'000'000'000;
 
 bool removeFolderRow(StoreWriter& store, std::string_view path, Ref<NSError>* error) {
   Statement removal(store.database(), "DELETE FROM folder WHERE path = ?1");
@@ -90,17 +92,20 @@ bool rememberFolders(StoreWriter& store, const std::vector<std::string>& paths,
 }
 
 bool noteIndexed(StoreWriter& store, const std::vector<std::string>& paths, std::int64_t time,
-                 Ref<NSError>* error) {
-  const auto folders = indexedFolders(store.database(), error);
-  if (!folders || !store.begin(error)) return false;
-  const auto isGoneThrough = [&](const IndexedFolder& folder) {
-    return std::ranges::any_of(paths, [&](const std::string& path) {
-      return folder.path == path || isInside(folder.path, path);
-    });
-  };
+                 bool hasChanges, Ref<NSError>* error) {
+  auto folders = indexedFolders(store.database(), error);
+  if (!folders) return false;
+  std::erase_if(*folders, [&](const IndexedFolder& folder) {
+    const bool isRecent = folder.indexed && std::abs(time - *folder.indexed) < kHour;
+    return (isRecent && !hasChanges) || !std::ranges::any_of(paths, [&](const std::string& path) {
+             return folder.path == path || isInside(folder.path, path);
+           });
+  });
+  if (folders->empty()) return true;
+  if (!store.begin(error)) return false;
   const bool isDone = std::ranges::all_of(*folders, [&](const IndexedFolder& folder) {
     Statement change(store.database(), "UPDATE folder SET indexed = ?1 WHERE path = ?2");
-    return !isGoneThrough(folder) || change.bind(1, time).bindBytes(2, folder.path).run(error);
+    return change.bind(1, time).bindBytes(2, folder.path).run(error);
   });
   return finish(store, isDone, error);
 }

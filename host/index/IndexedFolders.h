@@ -25,9 +25,10 @@ std::optional<std::vector<IndexedFolder>> indexedFolders(Database& store, Ref<NS
 bool rememberFolders(StoreWriter& store, const std::vector<std::string>& paths,
                      Ref<NSError>* error);
 
-/// Notes when the folders, and those inside them, were gone through to their end.
+/// Notes when the folders, and those inside them, were gone through to their end: with a change
+/// always, without one at most once an hour. Writing takes longer than finding nothing new.
 bool noteIndexed(StoreWriter& store, const std::vector<std::string>& paths, std::int64_t time,
-                 Ref<NSError>* error);
+                 bool hasChanges, Ref<NSError>* error);
 
 /// Forgets a folder or file, and all that the store knows at its path and below. Stores how many
 /// messages and failures these were. A transaction is begun and ended for each few thousand.

@@ -18,6 +18,7 @@ bool StoreBatches::check(bool isDone) {
 }
 
 bool StoreBatches::count(std::uint64_t bytes) {
+  _hasChanges = true;
   ++_files;
   _bytes += bytes;
   const bool isEnough =

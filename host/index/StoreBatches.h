@@ -36,6 +36,7 @@ class StoreBatches {
   /// Commits what was done.
   bool finish();
 
+  bool hasChanges() const noexcept { return _hasChanges; }
   bool isGood() const noexcept { return !_error; }
   /// What failed; absent while nothing did.
   NSError* error() const noexcept { return _error; }
@@ -50,6 +51,7 @@ class StoreBatches {
   StoreWriter& _store;
   const BatchSize _size;
   bool _hasBegun = false;
+  bool _hasChanges = false;  // of the whole run
   std::uint64_t _files = 0;
   std::uint64_t _bytes = 0;
   Clock::time_point _start;

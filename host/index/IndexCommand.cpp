@@ -1,0 +1,287 @@
+#include "host/index/IndexCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <cerrno>
+#include <filesystem>
+#include <optional>
+
+#include "host/console/Escaping.h"
+#include "host/console/Interruption.h"
+#include "host/console/StandardStreams.h"
+#include "host/console/Terminal.h"
+#include "host/index/FolderReader.h"
+#include "host/index/IndexReport.h"
+#include "host/index/IndexRun.h"
+#include "host/index/IndexStatus.h"
+#include "host/index/IndexedFolders.h"
+#include "host/store/Maintenance.h"
+#include "platform/files/FileErrors.h"
+#include "platform/files/NSURL.h"
+
+namespace kbx {
+namespace {
+
+struct Options {
+  std::string store;                  // empty for the user's own
+  std::optional<std::string> forget;  // absent for none
+  unsigned workers = 0;
+  bool retriesFailures = false;
+  bool isQuiet = false;
+  bool hasEvents = false;
+  bool isJSON = false;
+  bool isVerbose = false;
+};
+
+enum class Task : std::uint8_t { Index, Status, Check, Optimize };
+
+void complain(Console& console, NSError* error) {
+  console.diagnostics.message(error->localizedDescription()->lossyUTF8());
+}
+
+/// The path that the store has for what an operand names: absolute, without links on the way.
+/// Otherwise an error number.
+int placeOf(const std::string& operand, std::string* place) {
+  FolderEntry entry;
+  if (const int failure = FolderReader::current().stateOfFile(operand, &entry)) return failure;
+  const std::filesystem::path path(operand);
+  const auto folder = entry.isFolder ? path : path.has_parent_path() ? path.parent_path() : ".";
+  std::error_code failure;
+  const auto found = std::filesystem::canonical(folder, failure);
+  *place = (entry.isFolder ? found : found / path.filename()).string();
+  return failure.value();
+}
+
+/// The same for what may not be there any more.
+std::string formerPlaceOf(const std::string& operand) {
+  std::error_code failure;
+  const auto place = std::filesystem::weakly_canonical(operand, failure);
+  const auto path = failure ? std::filesystem::path(operand) : place;
+  return path.has_filename() ? path.string() : path.parent_path().string();
+}
+
+class IndexCommand final : public Command {
+ public:
+  std::string_view name() const override { return "index"; }
+  std::string_view summary() const override {
+    return "Keep a store up to date with folders of messages, to be searched.";
+  }
+  std::string_view operands() const override { return "[DIR...] | status | check | optimize"; }
+  std::string_view notes() const override;
+  bool takesDefaults() const override { return true; }
+  void declareOptions(CLI::App& options) override;
+  ExitCode run(std::vector<std::string> operands, Console& console) override;
+
+ private:
+  void checkUsage(Task task, const std::vector<std::string>& operands) const;
+  std::string storePath() const;
+  ExitCode index(const std::vector<std::string>& operands, Console& console) const;
+  ExitCode runOver(StoreWriter& store, const std::vector<std::string>& roots,
+                   Console& console) const;
+  ExitCode forget(Console& console) const;
+  ExitCode check(Console& console) const;
+  ExitCode optimize(Console& console) const;
+
+  Options _options;
+};
+
+std::string_view IndexCommand::notes() const {
+  return "A DIR is a folder with messages (.eml, .emlx, Maildir) in it and in the folders inside\n"
+         "it, or a single message. Without one the folders that were indexed before are brought "
+         "up\n"
+         "to date.\n"
+         "\n"
+         "  status    what the store holds, and the files that gave no message\n"
+         "  check     read the whole store and name what is wrong with it\n"
+         "  optimize  bring the store into the form that is searched fastest\n"
+         "\n"
+         "A folder with one of these names is written ./status.\n"
+         "\n"
+         "Exit codes: 0 done, 1 the store cannot be read or written, or check found something,\n"
+         "2 wrong usage, 3 some inputs failed, 4 none could be read or the importer is missing.";
+}
+
+void IndexCommand::declareOptions(CLI::App& options) {
+  options.add_option("--db", _options.store, "The store, instead of the user's own")
+      ->type_name("FILE");
+  options
+      .add_option("--forget", _options.forget,
+                  "Remove a folder and its messages from the store, and index it no more")
+      ->type_name("DIR");
+  options.add_flag("--retry", _options.retriesFailures,
+                   "Import again what failed before and has not changed");
+  options.add_option("--workers", _options.workers, "How many processes import at the same time")
+      ->type_name("N");
+  options.add_flag("-q,--quiet", _options.isQuiet, "Tell of failures alone");
+  options.add_flag("--ndjson", _options.hasEvents, "Print one JSON object for each event");
+  options.add_flag("--json", _options.isJSON, "With status: print one JSON object");
+  options.add_flag("-v,--verbose", _options.isVerbose,
+                   "Print what the importer logs to standard error");
+}
+
+Task taskOf(const std::vector<std::string>& operands) {
+  const std::string_view word = operands.size() == 1 ? std::string_view(operands[0]) : "";
+  if (word == "status") return Task::Status;
+  if (word == "check") return Task::Check;
+  return word == "optimize" ? Task::Optimize : Task::Index;
+}
+
+void IndexCommand::checkUsage(Task task, const std::vector<std::string>& operands) const {
+  const bool hasIndexOptions = _options.retriesFailures || _options.hasEvents || _options.forget;
+  if (task != Task::Index && hasIndexOptions)
+    throw UsageError("--retry, --ndjson and --forget do not go with " + operands[0]);
+  if (task != Task::Status && _options.isJSON) throw UsageError("--json goes with status alone");
+  if (_options.forget && !operands.empty()) throw UsageError("--forget takes one DIR and no other");
+  if (_options.forget && _options.forget->empty()) throw UsageError("--forget needs a DIR");
+}
+
+std::string IndexCommand::storePath() const {
+  if (!_options.store.empty()) return _options.store;
+  if (auto path = defaultStorePath()) return *path;
+  throw UsageError("neither XDG_DATA_HOME nor HOME says where the store is; --db FILE does");
+}
+
+ExitCode IndexCommand::run(std::vector<std::string> operands, Console& console) {
+  const Task task = taskOf(operands);
+  checkUsage(task, operands);
+  switch (task) {
+    case Task::Status:
+      return printIndexStatus(storePath(), _options.isJSON, console);
+    case Task::Check:
+      return check(console);
+    case Task::Optimize:
+      return optimize(console);
+    case Task::Index:
+      break;
+  }
+  return _options.forget ? forget(console) : index(operands, console);
+}
+
+// ---- Indexing -----------------------------------------------------------------------------------
+
+/// The places of those operands that are there; the others are named.
+std::vector<std::string> placesOf(const std::vector<std::string>& operands, Console& console) {
+  std::vector<std::string> places;
+  for (const std::string& operand : operands) {
+    std::string place;
+    const int failure = operand.empty() ? ENOENT : placeOf(operand, &place);
+    if (failure) {
+      auto url = NSURL::fileURLWithFileSystemRepresentation(operand.empty() ? "." : operand, true);
+      auto error = fileError(url, FileAction::Reading, failure);
+      console.diagnostics.failure(operand, error->localizedDescription());
+    } else {
+      places.push_back(std::move(place));
+    }
+  }
+  return places;
+}
+
+std::optional<std::vector<std::string>> rememberedPlaces(StoreWriter& store, Console& console) {
+  Ref<NSError> error;
+  const auto folders = indexedFolders(store.database(), &error);
+  if (!folders) {
+    complain(console, error);
+    return std::nullopt;
+  }
+  std::vector<std::string> places;
+  for (const IndexedFolder& folder : *folders) places.push_back(folder.path);
+  return places;
+}
+
+ExitCode IndexCommand::index(const std::vector<std::string>& operands, Console& console) const {
+  std::vector<std::string> places = placesOf(operands, console);
+  if (!operands.empty() && places.empty()) return kNoneDelivered;
+  Ref<NSError> error;
+  auto store = StoreWriter::open(storePath(), &error);
+  if (!store || !rememberFolders(*store, outermost(places), &error)) {
+    complain(console, error);
+    return kUndone;
+  }
+  const bool hasFailures = places.size() < operands.size();
+  if (operands.empty()) {
+    auto remembered = rememberedPlaces(*store, console);
+    if (!remembered) return kUndone;
+    if (remembered->empty()) throw UsageError("index needs a DIR, as no folder was indexed before");
+    places = std::move(*remembered);
+  }
+  const ExitCode code = runOver(*store, outermost(std::move(places)), console);
+  return code == kDone && hasFailures ? kSomeFailed : code;
+}
+
+ExitCode exitCodeOf(IndexRun::End end, const IndexRun& run) {
+  const IndexCounts& counts = run.counts();
+  const bool hasAny =
+      counts.added + counts.changed + counts.moved + counts.removed + counts.unchanged != 0;
+  switch (end) {
+    case IndexRun::End::Futile:
+    case IndexRun::End::NoImporter:
+      return kNoneDelivered;
+    case IndexRun::End::StoreFailed:
+      return kUndone;
+    case IndexRun::End::Interrupted:  // the signal itself ends the process
+    case IndexRun::End::Done:
+      break;
+  }
+  if (!run.hasTroubles()) return kDone;
+  return hasAny ? kSomeFailed : kNoneDelivered;
+}
+
+ExitCode IndexCommand::runOver(StoreWriter& store, const std::vector<std::string>& roots,
+                               Console& console) const {
+  const Interruption noted;
+  const bool isLive = !_options.isQuiet && !_options.isVerbose && isTerminal(kStandardError);
+  IndexReport report(console, {.hasEvents = _options.hasEvents,
+                               .columns = isLive ? terminalColumns(kStandardError) : 0,
+                               .hasSummary = !_options.isQuiet});
+  IndexSettings settings;
+  settings.imports.workers = _options.workers;
+  settings.imports.log = _options.isVerbose ? &console.diagnostics : nullptr;
+  settings.retriesFailures = _options.retriesFailures;
+  IndexRun run(store, settings, report);
+  Ref<NSError> error;
+  const IndexRun::End end = run.run(roots, &error);
+  report.summarize(run.counts());
+  if (error) complain(console, error);
+  return exitCodeOf(end, run);
+}
+
+// ---- The store as a whole -----------------------------------------------------------------------
+
+ExitCode IndexCommand::forget(Console& console) const {
+  Ref<NSError> error;
+  std::uint64_t forgotten = 0;
+  auto store = StoreWriter::open(storePath(), &error);
+  if (!store || !forgetFolder(*store, formerPlaceOf(*_options.forget), &forgotten, &error)) {
+    complain(console, error);
+    return kUndone;
+  }
+  if (!_options.isQuiet) console.diagnostics.message(std::to_string(forgotten) + " removed");
+  return kDone;
+}
+
+ExitCode IndexCommand::check(Console& console) const {
+  Ref<NSError> error;
+  const auto findings = checkStore(storePath(), &error);
+  if (!findings) {
+    complain(console, error);
+    return kUndone;
+  }
+  for (const std::string& finding : *findings) {
+    writeOnOneLine(console.output, NSString::stringWithLossyUTF8(finding));
+    console.output.write('\n');
+  }
+  if (findings->empty() && !_options.isQuiet) console.diagnostics.message("the store is sound");
+  return findings->empty() ? kDone : kUndone;
+}
+
+ExitCode IndexCommand::optimize(Console& console) const {
+  Ref<NSError> error;
+  if (optimizeStore(storePath(), &error)) return kDone;
+  complain(console, error);
+  return kUndone;
+}
+
+}  // namespace
+
+std::unique_ptr<Command> makeIndexCommand() { return std::make_unique<IndexCommand>(); }
+
+}  // namespace kbx

@@ -1,0 +1,106 @@
+#include "host/index/IndexReport.h"
+
+#include "host/results/JSONWriter.h"
+#include "platform/files/FileNames.h"
+
+namespace kbx {
+namespace {
+
+/// One event: an object on a line of its own, written out at once.
+class EventLine {
+ public:
+  EventLine(Output& output, NSString* kind) : _output(output), _json(output, kOneLine) {
+    _json.beginObject();
+    string("event"_ns, kind);
+  }
+  ~EventLine() {
+    _json.endObject();
+    _output.write('\n');
+    _output.flush();
+  }
+  EventLine(const EventLine&) = delete;
+  EventLine& operator=(const EventLine&) = delete;
+
+  void string(NSString* key, NSString* text) {
+    _json.key(key);
+    _json.string(text);
+  }
+  void path(NSString* key, const std::string& bytes) {
+    string(key, stringWithFileSystemRepresentation(bytes));
+  }
+  void count(NSString* key, std::uint64_t number) {
+    _json.key(key);
+    _json.integer(static_cast<std::int64_t>(number));
+  }
+
+ private:
+  static constexpr auto kOneLine = JSONWriter::Layout::OneLine;
+
+  Output& _output;
+  JSONWriter _json;
+};
+
+}  // namespace
+
+std::string summaryText(const IndexCounts& counts) {
+  struct Part {
+    std::uint64_t count;
+    const char* name;
+  };
+  std::string text;
+  for (const auto [count, name] : {Part{counts.added, " added"},
+                                   {counts.changed, " changed"},
+                                   {counts.moved, " moved"},
+                                   {counts.removed, " removed"},
+                                   {counts.unchanged, " unchanged"},
+                                   {counts.failed, " failed"}})
+    text.append(text.empty() ? "" : ", ").append(std::to_string(count)).append(name);
+  if (counts.stillFailed > 0) text += ", " + std::to_string(counts.stillFailed) + " failed before";
+  return text;
+}
+
+void IndexReport::moved(const std::string& from, const std::string& to) {
+  if (!_wishes.hasEvents) return;
+  EventLine line(_console.output, "moved"_ns);
+  line.path("path"_ns, to);
+  line.path("from"_ns, from);
+}
+
+void IndexReport::failed(const std::string& path, NSError* error) {
+  _progress.failed();
+  complain("failed"_ns, path, error);
+}
+
+void IndexReport::kept(const std::string& path, NSError* error) {
+  complain("kept"_ns, path, error);
+}
+
+void IndexReport::event(NSString* kind, const std::string& path) {
+  if (_wishes.hasEvents) EventLine(_console.output, kind).path("path"_ns, path);
+}
+
+void IndexReport::complain(NSString* kind, const std::string& path, NSError* error) {
+  _progress.clear();
+  Ref<NSString> reason = error->localizedDescription();
+  _console.diagnostics.failure(path, reason);
+  if (!_wishes.hasEvents) return;
+  EventLine line(_console.output, kind);
+  line.path("path"_ns, path);
+  line.string("reason"_ns, reason);
+}
+
+void IndexReport::summarize(const IndexCounts& counts) {
+  _progress.clear();
+  if (_wishes.hasSummary) _console.diagnostics.message(summaryText(counts));
+  if (!_wishes.hasEvents) return;
+  EventLine line(_console.output, "done"_ns);
+  line.count("added"_ns, counts.added);
+  line.count("changed"_ns, counts.changed);
+  line.count("moved"_ns, counts.moved);
+  line.count("removed"_ns, counts.removed);
+  line.count("unchanged"_ns, counts.unchanged);
+  line.count("failed"_ns, counts.failed);
+  line.count("failedBefore"_ns, counts.stillFailed);
+}
+
+}  // namespace kbx

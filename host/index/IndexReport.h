@@ -1,0 +1,50 @@
+// IndexReport: tells the user what a run of the index does.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "host/console/Command.h"
+#include "host/index/IndexEvents.h"
+#include "host/index/ProgressLine.h"
+
+namespace kbx {
+
+/// Failures go to the diagnostics, events to the output as JSON, one a line, where they are wanted.
+class IndexReport final : public IndexListener {
+ public:
+  struct Wishes {
+    bool hasEvents = false;   // NDJSON on the output
+    std::size_t columns = 0;  // of the terminal that shows the progress; 0 for none
+    bool hasSummary = true;
+  };
+
+  IndexReport(Console& console, const Wishes& wishes)
+      : _console(console), _wishes(wishes), _progress(console.diagnostics, wishes.columns) {}
+
+  void compared(std::uint64_t files) override { _progress.compared(files); }
+  void begins(std::uint64_t files) override { _progress.begin(files); }
+  void isDone() override { _progress.isDone(); }
+  void added(const std::string& path) override { event("added"_ns, path); }
+  void changed(const std::string& path) override { event("changed"_ns, path); }
+  void moved(const std::string& from, const std::string& to) override;
+  void removed(const std::string& path) override { event("removed"_ns, path); }
+  void failed(const std::string& path, NSError* error) override;
+  void kept(const std::string& path, NSError* error) override;
+
+  /// The line at the end, and the last event.
+  void summarize(const IndexCounts& counts);
+
+ private:
+  void event(NSString* kind, const std::string& path);
+  void complain(NSString* kind, const std::string& path, NSError* error);
+
+  Console& _console;
+  const Wishes _wishes;
+  ProgressLine _progress;
+};
+
+/// "3 added, 0 changed, 0 moved, 1 removed, 96 unchanged, 0 failed"
+std::string summaryText(const IndexCounts& counts);
+
+}  // namespace kbx

@@ -1,5 +1,6 @@
 #include "host/console/Progress.h"
 
+#include <algorithm>
 #include <cmath>
 #include <string>
 
@@ -11,6 +12,18 @@ namespace {
 constexpr double kFirst = 0.5;  // seconds: what is shorter needs no progress
 constexpr double kNext = 0.1;
 
+std::string timeText(double seconds) {
+  const auto whole = static_cast<std::uint64_t>(std::ceil(seconds));
+  if (whole < 120) return std::to_string(whole) + " s";
+  if (whole < 7200) return std::to_string((whole + 59) / 60) + " min";
+  return std::to_string((whole + 3599) / 3600) + " h";
+}
+
+std::string partText(std::uint64_t done, std::uint64_t total) {
+  return std::to_string(done) + " of " + std::to_string(total) + " (" +
+         std::to_string(done * 100 / total) + " %)";
+}
+
 }  // namespace
 
 Progress::Progress(Diagnostics& diagnostics, unsigned columns)
@@ -20,6 +33,13 @@ Progress::Progress(Diagnostics& diagnostics, unsigned columns)
 
 Progress::~Progress() {
   if (_columns) _diagnostics.status({});
+}
+
+void Progress::expect(std::uint64_t total) {
+  _total = total;
+  _done = _failed = 0;
+  _shown = 0;
+  if (_columns) _start = Clock::current().secondsSince1970();
 }
 
 void Progress::count(bool isDelivered) {
@@ -33,8 +53,12 @@ void Progress::count(bool isDelivered) {
 }
 
 void Progress::show(double seconds) {
-  const auto rate = std::llround(static_cast<double>(_done) / seconds);
-  std::string line = std::to_string(_done) + " done, " + std::to_string(rate) + " a second";
+  const double rate = static_cast<double>(_done) / seconds;
+  // More may turn up than were expected.
+  const std::uint64_t total = std::max(_done, _total.value_or(0));
+  std::string line = _total ? partText(_done, total) : std::to_string(_done) + " done";
+  line += ", " + std::to_string(std::llround(rate)) + " a second";
+  if (_total) line += ", " + timeText(static_cast<double>(total - _done) / rate) + " left";
   if (_failed) line += ", " + std::to_string(_failed) + " failed";
   // The last column stays free: a line that fills it may end in the next one.
   _diagnostics.status(std::string_view(line).substr(0, _columns - 1));

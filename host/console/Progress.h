@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
 #include "host/console/Diagnostics.h"
 
 namespace kbx {
 
-/// Keeps a status line, "120 done, 60 a second, 2 failed", from half a second on until it ends.
+/// Keeps a status line from half a second on until it ends: "120 done, 60 a second, 2 failed", or
+/// "120 of 480 (25 %), 60 a second, 6 s left, 2 failed" where it is known how many there are.
 class Progress {
  public:
   /// columns  how many the terminal has; 0 to say nothing at all
@@ -17,6 +19,8 @@ class Progress {
   Progress(const Progress&) = delete;
   Progress& operator=(const Progress&) = delete;
 
+  /// So many are to be done: counting and the clock begin anew.
+  void expect(std::uint64_t total);
   /// One more is done, for better or worse.
   void count(bool isDelivered);
 
@@ -25,10 +29,11 @@ class Progress {
 
   Diagnostics& _diagnostics;
   const unsigned _columns;
-  const double _start;  // as the clock says
-  double _shown = 0;    // seconds after it
+  double _start;      // as the clock says
+  double _shown = 0;  // seconds after it
   std::uint64_t _done = 0;
   std::uint64_t _failed = 0;
+  std::optional<std::uint64_t> _total;
 };
 
 }  // namespace kbx

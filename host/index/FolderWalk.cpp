@@ -20,6 +20,11 @@ bool isHidden(std::string_view name) { return name.starts_with('.'); }
 /// hide beside the mail.
 bool isMaildir(const std::string& path) { return isMaildirFolder(path + "/cur"); }
 
+/// A look at the name first: asking costs more than all else that is done for a folder.
+bool holdsMaildirMessages(const std::string& path) {
+  return (path.ends_with("/cur") || path.ends_with("/new")) && isMaildirFolder(path);
+}
+
 bool isBefore(const FolderEntry& one, const FolderEntry& other) {
   const std::size_t length = std::min(one.name.size(), other.name.size());
   const int order = one.name.compare(0, length, other.name, 0, length);
@@ -67,7 +72,7 @@ std::optional<FoundFile> FolderWalk::begin() {
 
 /// Reads a folder, which is the one to walk then; answers one that cannot be read.
 std::optional<FoundFile> FolderWalk::enter(std::string path) {
-  const bool isOfMaildir = isMaildirFolder(path);
+  const bool isOfMaildir = holdsMaildirMessages(path);
   const auto isMessage = [&](std::string_view name) {
     return !isHidden(name) && (isMessageName(name) || (isOfMaildir && isMaildirMessageName(name)));
   };

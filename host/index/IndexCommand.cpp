@@ -1,7 +1,6 @@
 #include "host/index/IndexCommand.h"
 
 #include <CLI/CLI.hpp>
-#include <cerrno>
 #include <filesystem>
 #include <optional>
 
@@ -9,14 +8,13 @@
 #include "host/console/Interruption.h"
 #include "host/console/StandardStreams.h"
 #include "host/console/Terminal.h"
-#include "host/index/FolderReader.h"
 #include "host/index/IndexReport.h"
 #include "host/index/IndexRun.h"
 #include "host/index/IndexStatus.h"
 #include "host/index/IndexedFolders.h"
+#include "host/index/Places.h"
 #include "host/store/Maintenance.h"
-#include "platform/files/FileErrors.h"
-#include "platform/files/NSURL.h"
+#include "platform/preferences/NSUserDefaults.h"
 
 namespace kbx {
 namespace {
@@ -24,6 +22,7 @@ namespace {
 struct Options {
   std::string store;                  // empty for the user's own
   std::optional<std::string> forget;  // absent for none
+  std::string isolation = "process";
   unsigned workers = 0;
   bool retriesFailures = false;
   bool isQuiet = false;
@@ -38,20 +37,7 @@ void complain(Console& console, NSError* error) {
   console.diagnostics.message(error->localizedDescription()->lossyUTF8());
 }
 
-/// The path that the store has for what an operand names: absolute, without links on the way.
-/// Otherwise an error number.
-int placeOf(const std::string& operand, std::string* place) {
-  FolderEntry entry;
-  if (const int failure = FolderReader::current().stateOfFile(operand, &entry)) return failure;
-  const std::filesystem::path path(operand);
-  const auto folder = entry.isFolder ? path : path.has_parent_path() ? path.parent_path() : ".";
-  std::error_code failure;
-  const auto found = std::filesystem::canonical(folder, failure);
-  *place = (entry.isFolder ? found : found / path.filename()).string();
-  return failure.value();
-}
-
-/// The same for what may not be there any more.
+/// The place of what may not be there any more.
 std::string formerPlaceOf(const std::string& operand) {
   std::error_code failure;
   const auto place = std::filesystem::weakly_canonical(operand, failure);
@@ -109,8 +95,14 @@ void IndexCommand::declareOptions(CLI::App& options) {
       ->type_name("DIR");
   options.add_flag("--retry", _options.retriesFailures,
                    "Import again what failed before and has not changed");
-  options.add_option("--workers", _options.workers, "How many processes import at the same time")
-      ->type_name("N");
+  options.add_option("-j", _options.workers, "How many messages are imported at the same time")
+      ->type_name("N")
+      ->check(CLI::Range(1, 256));
+  options
+      .add_option("--isolate", _options.isolation,
+                  "Where importers run: \"process\", in processes that can do nothing else, or "
+                  "\"none\", in this one")
+      ->type_name("HOW");
   options.add_flag("-q,--quiet", _options.isQuiet, "Tell of failures alone");
   options.add_flag("--ndjson", _options.hasEvents, "Print one JSON object for each event");
   options.add_flag("--json", _options.isJSON, "With status: print one JSON object");
@@ -130,6 +122,10 @@ void IndexCommand::checkUsage(Task task, const std::vector<std::string>& operand
   if (task != Task::Index && hasIndexOptions)
     throw UsageError("--retry, --ndjson and --forget do not go with " + operands[0]);
   if (task != Task::Status && _options.isJSON) throw UsageError("--json goes with status alone");
+  if (_options.isolation != "process" && _options.isolation != "none")
+    throw UsageError("--isolate is process or none");
+  if (_options.isolation == "none" && _options.workers > 1)
+    throw UsageError("-j needs --isolate process");
   if (_options.forget && !operands.empty()) throw UsageError("--forget takes one DIR and no other");
   if (_options.forget && _options.forget->empty()) throw UsageError("--forget needs a DIR");
 }
@@ -157,23 +153,6 @@ ExitCode IndexCommand::run(std::vector<std::string> operands, Console& console) 
 }
 
 // ---- Indexing -----------------------------------------------------------------------------------
-
-/// The places of those operands that are there; the others are named.
-std::vector<std::string> placesOf(const std::vector<std::string>& operands, Console& console) {
-  std::vector<std::string> places;
-  for (const std::string& operand : operands) {
-    std::string place;
-    const int failure = operand.empty() ? ENOENT : placeOf(operand, &place);
-    if (failure) {
-      auto url = NSURL::fileURLWithFileSystemRepresentation(operand.empty() ? "." : operand, true);
-      auto error = fileError(url, FileAction::Reading, failure);
-      console.diagnostics.failure(operand, error->localizedDescription());
-    } else {
-      places.push_back(std::move(place));
-    }
-  }
-  return places;
-}
 
 std::optional<std::vector<std::string>> rememberedPlaces(StoreWriter& store, Console& console) {
   Ref<NSError> error;
@@ -228,14 +207,19 @@ ExitCode exitCodeOf(IndexRun::End end, const IndexRun& run) {
 ExitCode IndexCommand::runOver(StoreWriter& store, const std::vector<std::string>& roots,
                                Console& console) const {
   const Interruption noted;
-  const bool isLive = !_options.isQuiet && !_options.isVerbose && isTerminal(kStandardError);
+  // Events that appear on a terminal show the progress themselves.
+  const bool isLive =
+      !_options.isQuiet && !(_options.hasEvents && terminalColumns(kStandardOutput));
   IndexReport report(console, {.hasEvents = _options.hasEvents,
                                .columns = isLive ? terminalColumns(kStandardError) : 0,
                                .hasSummary = !_options.isQuiet});
   IndexSettings settings;
   settings.imports.workers = _options.workers;
+  settings.imports.isIsolated = _options.isolation == "process";
   settings.imports.log = _options.isVerbose ? &console.diagnostics : nullptr;
   settings.retriesFailures = _options.retriesFailures;
+  const auto batch = NSUserDefaults::standardUserDefaults()->integerForKey("IndexBatchFiles"_ns);
+  if (batch > 0) settings.batch.files = static_cast<std::uint64_t>(batch);
   IndexRun run(store, settings, report);
   Ref<NSError> error;
   const IndexRun::End end = run.run(roots, &error);

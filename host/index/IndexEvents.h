@@ -24,12 +24,12 @@ class IndexListener {
  public:
   virtual ~IndexListener() = default;
 
-  /// So many files were compared so far.
-  virtual void compared(std::uint64_t files) = 0;
+  /// One more file was compared.
+  virtual void compared() = 0;
   /// The comparing has ended; so many files look new or changed.
   virtual void begins(std::uint64_t files) = 0;
-  /// One of them is done with, whatever became of it.
-  virtual void isDone() = 0;
+  /// One of them is done with.
+  virtual void isDone(bool hasFailed) = 0;
 
   virtual void added(const std::string& path) = 0;
   virtual void changed(const std::string& path) = 0;

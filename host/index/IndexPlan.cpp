@@ -7,9 +7,6 @@
 namespace kbx {
 namespace {
 
-/// Some megabytes. More work than this takes so long that comparing once more costs little.
-constexpr std::size_t kMostKept = 10'000;
-
 using Kind = Difference::Kind;
 
 Ref<NSError> readingError(const std::string& path, int failure) {
@@ -35,7 +32,7 @@ bool IndexPlan::compareRoot(const std::string& root, IndexListener& listener, Re
     if (Interruption::isWished()) return true;
     if (difference->kind == Kind::Unreadable && difference->path == root) ++_futileRoots;
     take(std::move(*difference), listener);
-    listener.compared(++_compared);
+    listener.compared();
   }
   if (failure && error) *error = failure;
   return !failure;
@@ -62,7 +59,7 @@ void IndexPlan::take(Difference difference, IndexListener& listener) {
 
 void IndexPlan::keep(Difference difference) {
   ++_pending;
-  if (_isKept && _work.size() < kMostKept) return _work.push_back(std::move(difference));
+  if (_isKept && _work.size() < _mostKept) return _work.push_back(std::move(difference));
   _isKept = false;
   std::vector<Difference>().swap(_work);
 }

@@ -20,7 +20,10 @@ namespace kbx {
 class IndexPlan {
  public:
   /// retriesFailures  files that gave no message count as changed
-  explicit IndexPlan(bool retriesFailures) : _retriesFailures(retriesFailures) {}
+  /// mostKept         how much there may be to do for it to be remembered; for more the folders are
+  ///                  compared once more while it is done, so that memory stays bounded
+  IndexPlan(bool retriesFailures, std::size_t mostKept)
+      : _retriesFailures(retriesFailures), _mostKept(mostKept) {}
 
   /// Compares the folders with the store. False when the store cannot be read.
   ///
@@ -60,18 +63,18 @@ class IndexPlan {
   std::optional<Difference> nextOfAll(Ref<NSError>* error);
 
   const bool _retriesFailures;
+  const std::size_t _mostKept;
   Database* _store = nullptr;
   std::vector<std::string> _roots;
   GoneFiles _gone;
   std::set<std::pair<std::uint64_t, std::uint64_t>> _renumbered;  // devices, before and now
 
-  // What is to be done, unless it is too much to be kept: then the folders are compared again.
+  // What is to be done, unless it is too much to be kept.
   std::vector<Difference> _work;
   bool _isKept = true;
   std::size_t _position = 0;  // in the work, or in the roots
   std::optional<Comparison> _again;
 
-  std::uint64_t _compared = 0;
   std::uint64_t _pending = 0;
   std::uint64_t _unchanged = 0;
   std::uint64_t _stillFailed = 0;

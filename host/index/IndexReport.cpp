@@ -1,46 +1,8 @@
 #include "host/index/IndexReport.h"
 
-#include "host/results/JSONWriter.h"
-#include "platform/files/FileNames.h"
+#include "host/index/EventLine.h"
 
 namespace kbx {
-namespace {
-
-/// One event: an object on a line of its own, written out at once.
-class EventLine {
- public:
-  EventLine(Output& output, NSString* kind) : _output(output), _json(output, kOneLine) {
-    _json.beginObject();
-    string("event"_ns, kind);
-  }
-  ~EventLine() {
-    _json.endObject();
-    _output.write('\n');
-    _output.flush();
-  }
-  EventLine(const EventLine&) = delete;
-  EventLine& operator=(const EventLine&) = delete;
-
-  void string(NSString* key, NSString* text) {
-    _json.key(key);
-    _json.string(text);
-  }
-  void path(NSString* key, const std::string& bytes) {
-    string(key, stringWithFileSystemRepresentation(bytes));
-  }
-  void count(NSString* key, std::uint64_t number) {
-    _json.key(key);
-    _json.integer(static_cast<std::int64_t>(number));
-  }
-
- private:
-  static constexpr auto kOneLine = JSONWriter::Layout::OneLine;
-
-  Output& _output;
-  JSONWriter _json;
-};
-
-}  // namespace
 
 std::string summaryText(const IndexCounts& counts) {
   struct Part {
@@ -67,7 +29,6 @@ void IndexReport::moved(const std::string& from, const std::string& to) {
 }
 
 void IndexReport::failed(const std::string& path, NSError* error) {
-  _progress.failed();
   complain("failed"_ns, path, error);
 }
 
@@ -80,7 +41,6 @@ void IndexReport::event(NSString* kind, const std::string& path) {
 }
 
 void IndexReport::complain(NSString* kind, const std::string& path, NSError* error) {
-  _progress.clear();
   Ref<NSString> reason = error->localizedDescription();
   _console.diagnostics.failure(path, reason);
   if (!_wishes.hasEvents) return;
@@ -90,7 +50,6 @@ void IndexReport::complain(NSString* kind, const std::string& path, NSError* err
 }
 
 void IndexReport::summarize(const IndexCounts& counts) {
-  _progress.clear();
   if (_wishes.hasSummary) _console.diagnostics.message(summaryText(counts));
   if (!_wishes.hasEvents) return;
   EventLine line(_console.output, "done"_ns);

@@ -5,8 +5,8 @@
 #include <string_view>
 
 #include "host/console/Command.h"
+#include "host/console/Progress.h"
 #include "host/index/IndexEvents.h"
-#include "host/index/ProgressLine.h"
 
 namespace kbx {
 
@@ -14,17 +14,17 @@ namespace kbx {
 class IndexReport final : public IndexListener {
  public:
   struct Wishes {
-    bool hasEvents = false;   // NDJSON on the output
-    std::size_t columns = 0;  // of the terminal that shows the progress; 0 for none
+    bool hasEvents = false;  // NDJSON on the output
+    unsigned columns = 0;    // of the terminal that shows the progress; 0 for none
     bool hasSummary = true;
   };
 
   IndexReport(Console& console, const Wishes& wishes)
       : _console(console), _wishes(wishes), _progress(console.diagnostics, wishes.columns) {}
 
-  void compared(std::uint64_t files) override { _progress.compared(files); }
-  void begins(std::uint64_t files) override { _progress.begin(files); }
-  void isDone() override { _progress.isDone(); }
+  void compared() override { _progress.count(true); }
+  void begins(std::uint64_t files) override { _progress.expect(files); }
+  void isDone(bool hasFailed) override { _progress.count(!hasFailed); }
   void added(const std::string& path) override { event("added"_ns, path); }
   void changed(const std::string& path) override { event("changed"_ns, path); }
   void moved(const std::string& from, const std::string& to) override;
@@ -41,7 +41,7 @@ class IndexReport final : public IndexListener {
 
   Console& _console;
   const Wishes _wishes;
-  ProgressLine _progress;
+  Progress _progress;
 };
 
 /// "3 added, 0 changed, 0 moved, 1 removed, 96 unchanged, 0 failed"

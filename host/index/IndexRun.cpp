@@ -10,6 +10,7 @@
 #include "host/index/IndexedFolders.h"
 #include "platform/files/FileErrors.h"
 #include "platform/files/NSURL.h"
+#include "platform/files/ReadableFile.h"
 #include "platform/system/Clock.h"
 
 namespace kbx {
@@ -86,6 +87,7 @@ End IndexRun::run(const std::vector<std::string>& roots, Ref<NSError>* error) {
   if (!_plan.make(_store.database(), roots, _listener, error)) return End::StoreFailed;
   _counts.unchanged = _plan.unchanged();
   _counts.stillFailed = _plan.stillFailed();
+  _committed = _counts;
   _hasTroubles = _plan.hasTroubles();
   if (Interruption::isWished()) return End::Interrupted;
   if (_plan.isFutile()) return End::Futile;
@@ -136,7 +138,7 @@ std::optional<Input> IndexRun::nextInput(Ref<NSError>* error) {
     const auto difference = _plan.next(error);
     if (!difference) break;
     if (auto input = inputFor(*difference)) return input;
-    _listener.isDone();
+    _listener.isDone(false);
   }
   return std::nullopt;
 }
@@ -153,17 +155,22 @@ std::optional<Input> IndexRun::inputFor(const Difference& difference) {
   if (isSettled(difference, file)) return std::nullopt;
   // The hash is taken before the import: should the file change between the two, its new state
   // tells the next run.
-  if (!file.hash) file.hash = contentHashOf(file.path, _key, nullptr);
+  hashOf(file);
   _pending.push_back(file);
   return Input{std::move(file.path), nullptr};
 }
 
+/// Reads the file when it is asked for the first time. What is too large to be a message is not
+/// worth the time.
+std::optional<ContentHash> IndexRun::hashOf(Pending& file) const {
+  if (!file.hash && file.state.size <= ReadableFile::kLargest)
+    file.hash = contentHashOf(file.path, _key, nullptr);
+  return file.hash;
+}
+
 /// Whether the store knows the content already, here or from another place.
 bool IndexRun::isSettled(const Difference& difference, Pending& file) {
-  const auto hash = [&] {
-    if (!file.hash) file.hash = contentHashOf(file.path, _key, nullptr);
-    return file.hash;
-  };
+  const auto hash = [&] { return hashOf(file); };
   const auto& known = difference.known;
   if (file.hasMessage && known->state.size == file.state.size) {
     const bool isSame = difference.kind == Kind::Renumbered && difference.state == file.state;
@@ -179,19 +186,18 @@ bool IndexRun::isSettled(const Difference& difference, Pending& file) {
 }
 
 void IndexRun::touch(const Pending& file) {
-  const bool isMade = _batches.change(0, [&](StoreWriter& store, Ref<NSError>* error) {
+  _batches.change(0, [&](StoreWriter& store, Ref<NSError>* error) {
+    ++_counts.unchanged;
     return store.touch(file.path, remembered(file.state), error);
   });
-  if (isMade) ++_counts.unchanged;
 }
 
 void IndexRun::move(const KnownFile& from, const Pending& file) {
   const bool isMade = _batches.change(0, [&](StoreWriter& store, Ref<NSError>* error) {
+    ++_counts.moved;
     return store.move(from.path, file.path, remembered(file.state), error);
   });
-  if (!isMade) return;
-  ++_counts.moved;
-  _listener.moved(from.path, file.path);
+  if (isMade) _listener.moved(from.path, file.path);
 }
 
 // ---- What the workers answer --------------------------------------------------------------------
@@ -203,7 +209,7 @@ void IndexRun::take(NSDictionary* attributes, NSError* error) {
     takeMessage(file, attributes);
   else
     takeFailure(file, error);
-  _listener.isDone();
+  _listener.isDone(error != nullptr);
 }
 
 void IndexRun::takeMessage(const Pending& file, NSDictionary* attributes) {
@@ -216,10 +222,10 @@ void IndexRun::takeMessage(const Pending& file, NSDictionary* attributes) {
   const std::string hash = isSame && file.hash ? bytesOf(*file.hash) : "";
   const FileState stored = isSame ? remembered(file.state) : doubtful(file.state);
   const bool isMade = _batches.change(state.size, [&](StoreWriter& store, Ref<NSError>* failure) {
+    ++(file.hasMessage ? _counts.changed : _counts.added);
     return store.put(file.path, stored, hash, *message, failure);
   });
   if (!isMade) return;
-  ++(file.hasMessage ? _counts.changed : _counts.added);
   if (file.hasMessage)
     _listener.changed(file.path);
   else
@@ -233,11 +239,10 @@ void IndexRun::takeFailure(const Pending& file, NSError* error) {
   const FileState stored = isSame ? remembered(file.state) : doubtful(file.state);
   const std::string reason = error->localizedDescription()->lossyUTF8();
   const bool isMade = _batches.change(0, [&](StoreWriter& store, Ref<NSError>* failure) {
+    ++_counts.failed;
     return store.putFailure(file.path, stored, reason, failure);
   });
-  if (!isMade) return;
-  ++_counts.failed;
-  _listener.failed(file.path, error);
+  if (isMade) _listener.failed(file.path, error);
 }
 
 // ---- What has gone ------------------------------------------------------------------------------
@@ -256,11 +261,11 @@ End IndexRun::removeGone() {
 }
 
 void IndexRun::remove(const KnownFile& file) {
-  const bool isMade = _batches.change(
-      0, [&](StoreWriter& store, Ref<NSError>* error) { return store.remove(file.path, error); });
-  if (!isMade) return;
-  ++_counts.removed;
-  _listener.removed(file.path);
+  const bool isMade = _batches.change(0, [&](StoreWriter& store, Ref<NSError>* error) {
+    ++_counts.removed;
+    return store.remove(file.path, error);
+  });
+  if (isMade) _listener.removed(file.path);
 }
 
 void IndexRun::keep(const std::string& path, NSError* error) {

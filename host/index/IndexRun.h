@@ -18,7 +18,8 @@ namespace kbx {
 struct IndexSettings {
   ImportSettings imports;  // the run fills in what may be read
   BatchSize batch;
-  bool retriesFailures = false;  // also of files that have not changed
+  bool retriesFailures = false;   // also of files that have not changed
+  std::size_t mostKept = 10'000;  // files; so much work takes longer than comparing once more
 };
 
 /// One thread, one run. What was committed stays, whatever happens to the process; the next run
@@ -37,8 +38,8 @@ class IndexRun {
       : _settings(settings),
         _listener(listener),
         _store(store),
-        _batches(store, settings.batch),
-        _plan(settings.retriesFailures) {}
+        _batches(store, settings.batch, [this] { _committed = _counts; }),
+        _plan(settings.retriesFailures, settings.mostKept) {}
 
   /// Adds, changes and moves what is below the roots, and removes what has gone there. What cannot
   /// be read stays in the store as it is, and so does what lay on a volume that is missing.
@@ -47,9 +48,10 @@ class IndexRun {
   /// store
   End run(const std::vector<std::string>& roots, Ref<NSError>* error);
 
-  const IndexCounts& counts() const noexcept { return _counts; }
+  /// Of what was committed.
+  const IndexCounts& counts() const noexcept { return _committed; }
   /// Whether a file failed or something could not be read.
-  bool hasTroubles() const noexcept { return _counts.failed != 0 || _hasTroubles; }
+  bool hasTroubles() const noexcept { return _committed.failed != 0 || _hasTroubles; }
 
  private:
   /// A file that is being imported.
@@ -64,6 +66,7 @@ class IndexRun {
   End importAll(const std::vector<std::string>& roots, Ref<NSError>* error);
   std::optional<Input> nextInput(Ref<NSError>* error);
   std::optional<Input> inputFor(const Difference& difference);
+  std::optional<ContentHash> hashOf(Pending& file) const;
   bool isSettled(const Difference& difference, Pending& file);
   void touch(const Pending& file);
   void move(const KnownFile& from, const Pending& file);
@@ -82,6 +85,7 @@ class IndexRun {
   IndexPlan _plan;
   std::deque<Pending> _pending;  // in the order in which their imports are taken
   IndexCounts _counts;
+  IndexCounts _committed;
   bool _hasTroubles = false;
 };
 

@@ -29,7 +29,9 @@ bool StoreBatches::count(std::uint64_t bytes) {
 bool StoreBatches::finish() {
   if (!isGood() || !_hasBegun) return isGood();
   _hasBegun = false;
-  return check(_store.commit(&_error));
+  if (!check(_store.commit(&_error))) return false;
+  _afterCommit();
+  return true;
 }
 
 }  // namespace kbx

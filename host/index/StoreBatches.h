@@ -3,6 +3,8 @@
 
 #include <chrono>
 #include <cstdint>
+#include <functional>
+#include <utility>
 
 #include "host/store/Store.h"
 
@@ -20,7 +22,9 @@ struct BatchSize {
 /// ends everything: it is kept, what was not committed is undone, and later changes are refused.
 class StoreBatches {
  public:
-  StoreBatches(StoreWriter& store, const BatchSize& size) : _store(store), _size(size) {}
+  /// afterCommit  called when what was done so far cannot be lost any more
+  StoreBatches(StoreWriter& store, const BatchSize& size, std::function<void()> afterCommit)
+      : _store(store), _size(size), _afterCommit(std::move(afterCommit)) {}
   ~StoreBatches() { _store.rollback(); }
   StoreBatches(const StoreBatches&) = delete;
   StoreBatches& operator=(const StoreBatches&) = delete;
@@ -50,6 +54,7 @@ class StoreBatches {
 
   StoreWriter& _store;
   const BatchSize _size;
+  const std::function<void()> _afterCommit;
   bool _hasBegun = false;
   bool _hasChanges = false;  // of the whole run
   std::uint64_t _files = 0;

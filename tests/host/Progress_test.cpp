@@ -46,6 +46,31 @@ TEST(Progress, TheLineTellsDoneRateAndFailuresAndIsTakenAway) {
   EXPECT_TRUE(shown.output.text().ends_with("1 failed" + std::string(kErase)));
 }
 
+TEST(Progress, WhereTheNumberIsKnownTheLineTellsWhatIsLeft) {
+  struct Case {
+    std::uint64_t total;
+    double seconds;
+    const char* line;
+  };
+  for (auto [total, seconds, line] :
+       {Case{400, 2, "100 of 400 (25 %), 50 a second, 6 s left, 1 failed"},
+        {100, 2, "100 of 100 (100 %), 50 a second, 0 s left, 1 failed"},
+        {50, 2, "100 of 100 (100 %), 50 a second, 0 s left, 1 failed"},  // more turned up
+        {0, 2, "100 of 100 (100 %), 50 a second, 0 s left, 1 failed"},
+        {10'000, 10, "100 of 10000 (1 %), 10 a second, 17 min left, 1 failed"},
+        {100'000, 10, "100 of 100000 (0 %), 10 a second, 3 h left, 1 failed"}}) {
+    Shown shown;
+    Progress progress(shown.diagnostics, 80);
+    for (int i = 0; i < 1000; ++i) progress.count(false);  // of what came before
+    shown.clock.seconds = 1001;
+    progress.expect(total);
+    for (int i = 0; i < 99; ++i) progress.count(true);
+    shown.clock.seconds = 1001 + seconds;
+    progress.count(false);
+    EXPECT_EQ(shown.output.text(), line);
+  }
+}
+
 TEST(Progress, WithoutATerminalNothingIsSaid) {
   Shown shown;
   {

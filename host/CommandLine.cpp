@@ -6,11 +6,13 @@
 #include <optional>
 #include <utility>
 
+#include "host/console/HiddenOperands.h"
 #include "host/defaults/DefaultsCommand.h"
 #include "host/import/AttributesCommand.h"
 #include "host/import/ImportCommand.h"
 #include "host/import/ImportersCommand.h"
 #include "host/index/IndexCommand.h"
+#include "host/search/SearchCommand.h"
 #include "platform/preferences/NSUserDefaults.h"
 
 namespace kbx {
@@ -24,6 +26,7 @@ constexpr MakeCommand kCommands[] = {
     makeAttributesCommand,
     makeIndexCommand,
     makeDefaultsCommand,
+    makeSearchCommand,
 };
 
 constexpr char kVersion[] = "ferncase " FERNCASE_VERSION "\n";
@@ -138,6 +141,7 @@ ExitCode parseAndRun(Command& command, std::vector<std::string> arguments, Conso
   command.declareOptions(options);
   if (command.takesDefaults()) takeDefaults(arguments);
   arguments = withoutEmptyValues(options, std::move(arguments));
+  const HiddenOperands hidden(command, options, arguments);
   std::ranges::reverse(arguments);  // the parser takes them from the end
   try {
     options.parse(std::move(arguments));
@@ -151,7 +155,9 @@ ExitCode parseAndRun(Command& command, std::vector<std::string> arguments, Conso
   } catch (const CLI::ParseError& error) {
     throw UsageError(error.what());
   }
-  return command.run(operandsOf(options, command.readsDashedWords()), console);
+  std::vector<std::string> operands = operandsOf(options, command.readsDashedWords());
+  hidden.restore(operands);
+  return command.run(std::move(operands), console);
 }
 
 ExitCode complain(Console& console, std::string_view command, std::string_view what) {

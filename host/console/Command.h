@@ -22,6 +22,7 @@ enum ExitCode : int {
   kUndone = 1,  // what was asked for is not there, or cannot be stored
   kMisused = 2,
   kSomeFailed = 3,
+  kNoStore = 3,  // what was indexed cannot be read
   kNoneDelivered = 4,
   kReaderGone = 141  // as if the signal of a broken pipe had ended the process
 };
@@ -52,6 +53,8 @@ class Command {
   /// Whether words that begin with a dash and are no options go to run(), too. Otherwise they are
   /// refused.
   virtual bool readsDashedWords() const { return false; }
+  /// Whether a word is an operand although it begins with a dash, and is not looked at as options.
+  virtual bool isOperand(std::string_view) const { return false; }
   /// Whether "-Key value" sets a default for this run (docs/preferences.md).
   virtual bool takesDefaults() const { return false; }
   virtual void declareOptions(CLI::App& options) = 0;

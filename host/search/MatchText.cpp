@@ -1,11 +1,9 @@
 #include "host/search/MatchText.h"
 
-#include <unicode/uchar.h>
-#include <unicode/utf8.h>
-
 #include <array>
 #include <string_view>
 
+#include "host/tokenizer/Tokenizer.h"
 #include "platform/text/UTF8.h"
 
 namespace kbx {
@@ -17,13 +15,9 @@ constexpr std::array<std::string_view, 10> kColumns{
 }  // namespace
 
 bool hasWords(const TextTest& test) {
-  const auto* bytes = reinterpret_cast<const std::uint8_t*>(test.words.data());
-  for (std::size_t i = 0; i < test.words.size();) {
-    UChar32 character = 0;
-    U8_NEXT_OR_FFFD(bytes, i, test.words.size(), character);
-    if (u_isalnum(character)) return true;
-  }
-  return false;
+  const auto isEnough = [](void*, int, const char*, int, int, int) { return 1; };
+  const auto purpose = test.isPrefix ? TokenPurpose::PrefixQuery : TokenPurpose::Query;
+  return tokenize(test.words, purpose, {isEnough, nullptr}) != 0;
 }
 
 std::string matchText(const TextTest& test) {

@@ -42,7 +42,7 @@ class FakeLocalTime final : public LocalTime {
   /// local  without the hour of summer, or with it, except at the changes
   double ahead(double local) const {
     using namespace std::chrono;
-    const year_month_day date{sys_days(days(static_cast<int>(std::floor(local / 86400))))};
+    const year_month_day date{sys_days(days(static_cast<int>(std::floor((local - 7200) / 86400))))};
     const bool isSummer = _hasSummer && date.month() >= April && date.month() <= October;
     return _secondsAhead + (isSummer ? 3600 : 0);
   }

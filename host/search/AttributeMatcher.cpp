@@ -66,7 +66,7 @@ bool AttributeMatcher::matchesValue(NSObject* value) const {
 }
 
 bool AttributeMatcher::matchesElement(NSObject* element) const {
-  if (auto* text = cast<NSString>(element)) return matchesText(text);
+  if (auto* text = cast<NSString>(element)) return comparesTexts() && _pattern.matches(text);
   if (auto* number = cast<NSNumber>(element))
     return _test.value.kind != Kind::Time && matchesNumber(number->doubleValue());
   auto* date = cast<NSDate>(element);
@@ -76,9 +76,12 @@ bool AttributeMatcher::matchesElement(NSObject* element) const {
                               : date->timeIntervalSinceReferenceDate());
 }
 
-bool AttributeMatcher::matchesText(NSString* text) const {
-  return _test.comparison == Comparison::Equal && _test.value.kind != Kind::Time &&
-         _pattern.matches(text);
+bool AttributeMatcher::comparesTexts() const {
+  return _test.comparison == Comparison::Equal && _test.value.kind != Kind::Time;
+}
+
+bool AttributeMatcher::matchesText(std::string_view utf8) const {
+  return comparesTexts() && _pattern.matches(utf8);
 }
 
 bool AttributeMatcher::matchesNumber(double number) const {

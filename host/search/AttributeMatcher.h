@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string_view>
 
 #include "host/search/Query.h"
 #include "host/search/TextPattern.h"
@@ -23,12 +24,14 @@ class AttributeMatcher {
   explicit AttributeMatcher(AttributeTest test);
 
   bool matches(NSDictionary* attributes) const;
+  /// Whether an attribute that is this text matches.
+  bool matchesText(std::string_view utf8) const;
   const AttributeTest& test() const { return _test; }
 
  private:
   bool matchesValue(NSObject* value) const;
   bool matchesElement(NSObject* element) const;
-  bool matchesText(NSString* text) const;
+  bool comparesTexts() const;
   bool matchesNumber(double number) const;
 
   const AttributeTest _test;

@@ -27,6 +27,15 @@ void rank(sqlite3_context* context, int, sqlite3_value** arguments) {
   sqlite3_result_double(context, found == table->end() ? 0 : found->second);
 }
 
+void matchesText(sqlite3_context* context, int, sqlite3_value** arguments) {
+  const auto* call = objectIn<const MatcherCall>(arguments[0], kMatcherType);
+  const unsigned char* text = sqlite3_value_text(arguments[1]);
+  if (!call || !text) return;
+  const auto length = static_cast<std::size_t>(sqlite3_value_bytes(arguments[1]));
+  const std::string_view utf8(reinterpret_cast<const char*>(text), length);
+  sqlite3_result_int(context, call->matcher->matchesText(utf8) ? 1 : 0);
+}
+
 void matches(sqlite3_context* context, int, sqlite3_value** arguments) {
   const auto* call = objectIn<const MatcherCall>(arguments[0], kMatcherType);
   if (!call) return;
@@ -72,6 +81,7 @@ void registerSearchFunctions(Database& database) {
   };
   add("ferncase_in", isIn);
   add("ferncase_matches", matches);
+  add("ferncase_text", matchesText);
   add("ferncase_rank", rank);
 }
 

@@ -39,8 +39,9 @@ using RankTable = std::unordered_map<std::int64_t, double>;
 inline constexpr char kIdSetType[] = "ferncase.set", kMatcherType[] = "ferncase.matcher",
                       kRankType[] = "ferncase.rank";
 
-/// Gives a connection ferncase_in(set, id), ferncase_matches(matcher call, id) and
-/// ferncase_rank(table, id). Harmless when it has them. Arguments of any other type answer NULL.
+/// Gives a connection ferncase_in(set, id), ferncase_matches(matcher call, id),
+/// ferncase_text(matcher call, text) and ferncase_rank(table, id). Harmless when it has them.
+/// Arguments of any other type answer NULL.
 void registerSearchFunctions(Database& database);
 
 }  // namespace kbx

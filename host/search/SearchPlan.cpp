@@ -277,6 +277,9 @@ SearchPlan::Part SearchPlan::compileMatcher(const AttributeTest& test) {
   const std::size_t index = _matchers.size();
   _matchers.push_back(std::make_unique<AttributeMatcher>(test));
   const std::string matcher = parameter(Matcher{index});
+  // The attribute that is asked for most has a column.
+  if (test.name == "kMDItemSubject")
+    return {Kind::Condition, "ferncase_text(" + matcher + ", m.subject)", kTextCost};
   return {Kind::Condition, "ferncase_matches(" + matcher + ", m.id)", kAttributesCost};
 }
 

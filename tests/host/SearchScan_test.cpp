@@ -45,7 +45,8 @@ Words wordsOf(const std::string& text) {
   Words words;
   std::string word;
   for (const char c : folded(text) + " ") {
-    if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9')) {
+    const bool isUnspaced = static_cast<unsigned char>(c) >= 0x80;
+    if ((c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || isUnspaced) {
       word += c;
     } else if (!word.empty()) {
       words.push_back(std::exchange(word, ""));
@@ -211,7 +212,7 @@ class Generator {
     using namespace std::chrono;
     const year_month_day day{sys_days(days(18993 + static_cast<int>(below(900))))};
     char text[64];
-    year_month_day first = day, last = day;
+    year_month_day first = day;
     sys_days end = sys_days(day) + days(1);
     switch (below(3)) {
       case 0:
@@ -274,8 +275,7 @@ class Generator {
 
 TEST(SearchScan, RandomQueriesFindWhatAScanFinds) {
   constexpr int kMailCount = 250, kQueryCount = 600;
-  const FakeLocalTime utc;
-  FakeLocalTime zone = utc;
+  FakeLocalTime zone;
   ScopedService<LocalTime> installed(zone);
   Generator generator(20240517);
   std::vector<TestMail> mails;

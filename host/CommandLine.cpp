@@ -8,6 +8,7 @@
 
 #include "host/console/HiddenOperands.h"
 #include "host/defaults/DefaultsCommand.h"
+#include "host/doctor/DoctorCommand.h"
 #include "host/import/AttributesCommand.h"
 #include "host/import/ImportCommand.h"
 #include "host/import/ImportersCommand.h"
@@ -21,12 +22,8 @@ namespace {
 using MakeCommand = std::unique_ptr<Command> (*)();
 
 constexpr MakeCommand kCommands[] = {
-    makeImportCommand,
-    makeImportersCommand,
-    makeAttributesCommand,
-    makeIndexCommand,
-    makeDefaultsCommand,
-    makeSearchCommand,
+    makeImportCommand,     makeIndexCommand,    makeSearchCommand, makeImportersCommand,
+    makeAttributesCommand, makeDefaultsCommand, makeDoctorCommand,
 };
 
 constexpr char kVersion[] = "ferncase " FERNCASE_VERSION "\n";

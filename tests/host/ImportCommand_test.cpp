@@ -506,6 +506,49 @@ TEST_F(ImportCommandTest, AFileThatMustNotGrowCostsItsInputAlone) {
   EXPECT_THAT(finished.output, HasSubstr("Good morning"));
 }
 
+TEST_F(ImportCommandTest, EveryWayOfImportingGivesTheSameAnswers) {
+  const std::string examples = FERNCASE_SOURCE_DIR "/examples";
+  const auto usual = command({"--ndjson", "--extra", examples, "gone.eml"}).run();
+  EXPECT_EQ(usual.exitCode, 3);
+  EXPECT_EQ(lines(usual.output).size(), 7u);
+  for (auto way : {"--isolate=none", "--isolate=process", "-j1", "-j7", "--timeout=100",
+                   "--importer=" FERNCASE_BUNDLES_DIR "/LegacyDoor.mdimporter"}) {
+    SCOPED_TRACE(way);
+    const auto finished = command({way, "--ndjson", "--extra", examples, "gone.eml"}).run();
+    EXPECT_EQ(finished.output, usual.output);
+    EXPECT_EQ(finished.complaints, usual.complaints);
+    EXPECT_EQ(finished.exitCode, usual.exitCode);
+  }
+}
+
+TEST_F(ImportCommandTest, WaysThatMeanNothingAreRefused) {
+  for (const auto& options :
+       std::initializer_list<std::vector<std::string>>{{"-j", "0"},
+                                                       {"-j", "x"},
+                                                       {"-j", "-1"},
+                                                       {"-j", "257"},
+                                                       {"--isolate=some"},
+                                                       {"--timeout=0"},
+                                                       {"--isolate=none", "-j2"},
+                                                       {"--isolate=none", "--timeout=1"}}) {
+    auto arguments = options;
+    arguments.push_back("a.eml");
+    EXPECT_EQ(command(arguments).run().exitCode, 2) << options.back();
+  }
+}
+
+TEST_F(ImportCommandTest, StandardInputKeepsItsPlaceAmongFiles) {
+  for (auto name : {"a.eml", "b.eml"}) _folder.write(name, "Subject: x\n\n" + std::string(name));
+  auto finished = command({"--ndjson", "a.eml", "-", "b.eml", "-"})
+                      .folder(_folder.path())
+                      .input("Subject: x\n\ninput")
+                      .run();
+  EXPECT_EQ(finished.exitCode, 0) << finished.complaints;
+  std::vector<std::string> texts;
+  for (const auto& result : lines(finished.output)) texts.push_back(textOf(result));
+  EXPECT_THAT(texts, ElementsAre("a.eml", "input", "b.eml", ""));
+}
+
 /// The messages that others wrote, where they are at hand.
 class RealMessagesTest : public ImportCommandTest {
  protected:
@@ -565,8 +608,11 @@ TEST_F(RealMessagesTest, EveryMessageIsImportedAndItsFolderStaysAsItIs) {
     EXPECT_TRUE(attributes.contains("kMDItemTextContent")) << result.at("path");
   }
   EXPECT_TRUE(filesIn(messages()) == before);
-  auto beside = command({"--stage=beside", "--ndjson", messages().string()}).run();
-  EXPECT_TRUE(beside.output == output) << "staging changed the answer";
+  for (auto way : {"--stage=beside", "--isolate=none",
+                   "--importer=" FERNCASE_BUNDLES_DIR "/LegacyDoor.mdimporter"}) {
+    auto other = command({way, "--ndjson", messages().string()}).run();
+    EXPECT_TRUE(other.output == output) << way << " changed the answer";
+  }
 }
 
 TEST_F(RealMessagesTest, TheArrayIsValid) {

@@ -59,7 +59,7 @@ class HardMessages : public testing::TestWithParam<HardMessage> {
         scale());
   }
 
-  Finished import() { return import(_folder / "hard.eml"); }
+  Measured import() { return import(_folder / "hard.eml"); }
   /// What a message takes that is not hard.
   std::size_t leastBytes() {
     _folder.write("easy.eml", "Subject: easy\n\nA text.\n");
@@ -70,13 +70,13 @@ class HardMessages : public testing::TestWithParam<HardMessage> {
   std::size_t messageSize() const { return std::filesystem::file_size(_folder / "hard.eml"); }
 
  private:
-  Finished import(const std::filesystem::path& message) {
+  Measured import(const std::filesystem::path& message) {
     const int output = ::open(outputPath().c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    Finished finished =
+    Measured finished =
         Process({FERNCASE_BINARY, "import", "--name", std::string(GetParam().attribute), "--raw",
                  "--extra", message.string()})
             .outputTo(output)
-            .run();
+            .measure();
     ::close(output);
     return finished;
   }
@@ -85,7 +85,7 @@ class HardMessages : public testing::TestWithParam<HardMessage> {
 };
 
 TEST_P(HardMessages, AreReadToTheirEndInBoundedMemoryAndTime) {
-  const Finished finished = import();
+  const Measured finished = import();
   EXPECT_EQ(finished.exitCode, 0);
   EXPECT_EQ(finished.complaints, "");
   EXPECT_TRUE(hasPlantedWord(outputPath()));

@@ -21,6 +21,10 @@ struct Finished {
   int exitCode;        // -1 when a signal ended it
   std::string output;  // empty when it went elsewhere
   std::string complaints;
+};
+
+/// What it took besides.
+struct Measured : Finished {
   double cpuSeconds;      // with that of its children
   std::size_t peakBytes;  // of it or its largest child; at least the peak of the calling process
 };
@@ -57,7 +61,9 @@ class Process {
     return *this;
   }
 
-  Finished run() {
+  Finished run() { return measure(); }
+
+  Measured measure() {
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
     open(actions, 0, "in", O_RDONLY);
@@ -76,7 +82,7 @@ class Process {
     ::posix_spawn_file_actions_destroy(&actions);
     struct rusage usage {};
     const int exitCode = wait(process, &usage);
-    return {exitCode, _hasOutput ? _files.read("out") : "", _files.read("err"),
+    return {{exitCode, _hasOutput ? _files.read("out") : "", _files.read("err")},
             seconds(usage.ru_utime) + seconds(usage.ru_stime),
             static_cast<std::size_t>(usage.ru_maxrss) * 1024};
   }

@@ -9,6 +9,8 @@
 #include "host/console/HiddenOperands.h"
 #include "host/defaults/DefaultsCommand.h"
 #include "host/doctor/DoctorCommand.h"
+#include "host/documents/CompletionCommand.h"
+#include "host/documents/ManualCommand.h"
 #include "host/import/AttributesCommand.h"
 #include "host/import/ImportCommand.h"
 #include "host/import/ImportersCommand.h"
@@ -22,8 +24,9 @@ namespace {
 using MakeCommand = std::unique_ptr<Command> (*)();
 
 constexpr MakeCommand kCommands[] = {
-    makeImportCommand,     makeIndexCommand,    makeSearchCommand, makeImportersCommand,
-    makeAttributesCommand, makeDefaultsCommand, makeDoctorCommand,
+    makeImportCommand,    makeIndexCommand,      makeSearchCommand,
+    makeImportersCommand, makeAttributesCommand, makeDefaultsCommand,
+    makeDoctorCommand,    makeCompletionCommand, makeManualCommand,
 };
 
 constexpr char kVersion[] = "ferncase " FERNCASE_VERSION "\n";
@@ -130,12 +133,11 @@ std::vector<std::string> operandsOf(const CLI::App& options, bool withDashes) {
 ExitCode parseAndRun(Command& command, std::vector<std::string> arguments, Console& console) {
   const std::string name = "ferncase " + std::string(command.name());
   CLI::App options{std::string(command.summary())};
-  options.set_help_flag("-h,--help", "Print this help and exit");
   options.formatter(
       std::make_shared<HelpText>(name + " [OPTIONS] " + std::string(command.operands())));
   options.footer(std::string(command.notes()));
   options.allow_extras();
-  command.declareOptions(options);
+  prepareOptions(command, options);
   if (command.takesDefaults()) takeDefaults(arguments);
   arguments = withoutEmptyValues(options, std::move(arguments));
   const HiddenOperands hidden(command, options, arguments);
@@ -164,6 +166,17 @@ ExitCode complain(Console& console, std::string_view command, std::string_view w
 }
 
 }  // namespace
+
+std::vector<std::unique_ptr<Command>> makeCommands() {
+  std::vector<std::unique_ptr<Command>> commands;
+  for (auto make : kCommands) commands.push_back(make());
+  return commands;
+}
+
+void prepareOptions(Command& command, CLI::App& options) {
+  options.set_help_flag("-h,--help", "Print this help and exit");
+  command.declareOptions(options);
+}
 
 ExitCode runCommandLine(const std::vector<std::string>& arguments, Console& console) {
   if (arguments.empty()) {

@@ -5,7 +5,7 @@
 #include <optional>
 
 #include "host/console/Interruption.h"
-#include "host/console/Progress.h"
+#include "host/console/ProgressLine.h"
 #include "host/console/StandardStreams.h"
 #include "host/console/Terminal.h"
 #include "host/import/InputFiles.h"
@@ -67,7 +67,7 @@ class ImportResults {
   const AttributeFilter& _filter;
   Results& _results;
   Console& _console;
-  Progress _progress;
+  ProgressLine _progress;
   bool _hasDelivered = false;
   bool _hasFailures = false;
 };

@@ -5,7 +5,7 @@
 #include <string_view>
 
 #include "host/console/Command.h"
-#include "host/console/Progress.h"
+#include "host/console/ProgressLine.h"
 #include "host/index/IndexEvents.h"
 
 namespace kbx {
@@ -41,7 +41,7 @@ class IndexReport final : public IndexListener {
 
   Console& _console;
   const Wishes _wishes;
-  Progress _progress;
+  ProgressLine _progress;
 };
 
 /// "3 added, 0 changed, 0 moved, 1 removed, 96 unchanged, 0 failed"

@@ -1,4 +1,4 @@
-// Progress: how far a long command is, for whoever sits in front of it.
+// ProgressLine: how far a long command is, for whoever sits in front of it.
 #pragma once
 
 #include <cstdint>
@@ -10,14 +10,14 @@ namespace kbx {
 
 /// Keeps a status line from half a second on until it ends: "120 done, 60 a second, 2 failed", or
 /// "120 of 480 (25 %), 60 a second, 6 s left, 2 failed" where it is known how many there are.
-class Progress {
+class ProgressLine {
  public:
   /// columns  how many the terminal has; 0 to say nothing at all
-  Progress(Diagnostics& diagnostics, unsigned columns);
+  ProgressLine(Diagnostics& diagnostics, unsigned columns);
   /// Takes the line away.
-  ~Progress();
-  Progress(const Progress&) = delete;
-  Progress& operator=(const Progress&) = delete;
+  ~ProgressLine();
+  ProgressLine(const ProgressLine&) = delete;
+  ProgressLine& operator=(const ProgressLine&) = delete;
 
   /// So many are to be done: counting and the clock begin anew.
   void expect(std::uint64_t total);

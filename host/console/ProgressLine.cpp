@@ -1,4 +1,4 @@
-#include "host/console/Progress.h"
+#include "host/console/ProgressLine.h"
 
 #include <algorithm>
 #include <cmath>
@@ -26,23 +26,23 @@ std::string partText(std::uint64_t done, std::uint64_t total) {
 
 }  // namespace
 
-Progress::Progress(Diagnostics& diagnostics, unsigned columns)
+ProgressLine::ProgressLine(Diagnostics& diagnostics, unsigned columns)
     : _diagnostics(diagnostics),
       _columns(columns),
       _start(columns ? Clock::current().secondsSince1970() : 0) {}
 
-Progress::~Progress() {
+ProgressLine::~ProgressLine() {
   if (_columns) _diagnostics.status({});
 }
 
-void Progress::expect(std::uint64_t total) {
+void ProgressLine::expect(std::uint64_t total) {
   _total = total;
   _done = _failed = 0;
   _shown = 0;
   if (_columns) _start = Clock::current().secondsSince1970();
 }
 
-void Progress::count(bool isDelivered) {
+void ProgressLine::count(bool isDelivered) {
   ++_done;
   if (!isDelivered) ++_failed;
   if (!_columns) return;
@@ -52,7 +52,7 @@ void Progress::count(bool isDelivered) {
   show(seconds);
 }
 
-void Progress::show(double seconds) {
+void ProgressLine::show(double seconds) {
   const double rate = static_cast<double>(_done) / seconds;
   // More may turn up than were expected.
   const std::uint64_t total = std::max(_done, _total.value_or(0));

@@ -1,4 +1,4 @@
-#include "host/console/Progress.h"
+#include "host/console/ProgressLine.h"
 
 #include <gtest/gtest.h>
 
@@ -17,20 +17,20 @@ struct Shown {
 
 constexpr char kErase[] = "\r\x1B[K";
 
-TEST(Progress, AShortCommandShowsNone) {
+TEST(ProgressLine, AShortCommandShowsNone) {
   Shown shown;
   {
-    Progress progress(shown.diagnostics, 80);
+    ProgressLine progress(shown.diagnostics, 80);
     shown.clock.seconds = 1000.4;
     progress.count(true);
   }
   EXPECT_EQ(shown.output.text(), "");
 }
 
-TEST(Progress, TheLineTellsDoneRateAndFailuresAndIsTakenAway) {
+TEST(ProgressLine, TheLineTellsDoneRateAndFailuresAndIsTakenAway) {
   Shown shown;
   {
-    Progress progress(shown.diagnostics, 80);
+    ProgressLine progress(shown.diagnostics, 80);
     for (int i = 0; i < 99; ++i) progress.count(true);
     shown.clock.seconds = 1000.5;
     progress.count(true);
@@ -46,7 +46,7 @@ TEST(Progress, TheLineTellsDoneRateAndFailuresAndIsTakenAway) {
   EXPECT_TRUE(shown.output.text().ends_with("1 failed" + std::string(kErase)));
 }
 
-TEST(Progress, WhereTheNumberIsKnownTheLineTellsWhatIsLeft) {
+TEST(ProgressLine, WhereTheNumberIsKnownTheLineTellsWhatIsLeft) {
   struct Case {
     std::uint64_t total;
     double seconds;
@@ -60,7 +60,7 @@ TEST(Progress, WhereTheNumberIsKnownTheLineTellsWhatIsLeft) {
         {10'000, 10, "100 of 10000 (1 %), 10 a second, 17 min left, 1 failed"},
         {100'000, 10, "100 of 100000 (0 %), 10 a second, 3 h left, 1 failed"}}) {
     Shown shown;
-    Progress progress(shown.diagnostics, 80);
+    ProgressLine progress(shown.diagnostics, 80);
     for (int i = 0; i < 1000; ++i) progress.count(false);  // of what came before
     shown.clock.seconds = 1001;
     progress.expect(total);
@@ -71,27 +71,27 @@ TEST(Progress, WhereTheNumberIsKnownTheLineTellsWhatIsLeft) {
   }
 }
 
-TEST(Progress, WithoutATerminalNothingIsSaid) {
+TEST(ProgressLine, WithoutATerminalNothingIsSaid) {
   Shown shown;
   {
-    Progress progress(shown.diagnostics, 0);
+    ProgressLine progress(shown.diagnostics, 0);
     shown.clock.seconds = 2000;
     progress.count(false);
   }
   EXPECT_EQ(shown.output.text(), "");
 }
 
-TEST(Progress, ANarrowTerminalGetsWhatFitsIt) {
+TEST(ProgressLine, ANarrowTerminalGetsWhatFitsIt) {
   Shown shown;
-  Progress progress(shown.diagnostics, 9);
+  ProgressLine progress(shown.diagnostics, 9);
   shown.clock.seconds = 1001;
   progress.count(true);
   EXPECT_EQ(shown.output.text(), "1 done, ");
 }
 
-TEST(Progress, AClockThatIsSetBackDoesNotMatter) {
+TEST(ProgressLine, AClockThatIsSetBackDoesNotMatter) {
   Shown shown;
-  Progress progress(shown.diagnostics, 80);
+  ProgressLine progress(shown.diagnostics, 80);
   shown.clock.seconds = 10;
   progress.count(true);
   EXPECT_EQ(shown.output.text(), "");

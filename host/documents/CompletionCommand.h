@@ -1,0 +1,12 @@
+// CompletionCommand: `ferncase completion`.
+#pragma once
+
+#include <memory>
+
+#include "host/console/Command.h"
+
+namespace kbx {
+
+std::unique_ptr<Command> makeCompletionCommand();
+
+}  // namespace kbx

@@ -1,6 +1,6 @@
-// The whole road of a mailbox: host, plug-in, .emlx, mail importer, attributes, in one process.
-// Beside it, on the same messages, a program on the MIME library that only parses each message and
-// decodes its text, and the floor of writing and removing one small file for each.
+// The whole road of a mailbox: host, plug-in, .emlx, mail importer, attributes; in this process and
+// in workers. Beside it, on the same messages, a program on the MIME library that only parses each
+// message and decodes its text, and the floor of writing and removing one small file for each.
 //
 // FERNCASE_ROAD_MESSAGES in the environment is how many messages there are, 10,000 otherwise.
 #include <benchmark/benchmark.h>
@@ -11,13 +11,12 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "host/import/ImportLog.h"
-#include "host/import/ImporterChoice.h"
 #include "host/import/ScratchFolder.h"
-#include "host/import/Staging.h"
+#include "host/workers/ImportWorkers.h"
 #include "platform/objects/NSString.h"
 #include "platform/plugins/Bridge.h"
 #include "platform/plugins/MDImporter.h"
@@ -64,31 +63,37 @@ void countMessages(benchmark::State& state) {
   state.SetItemsProcessed(static_cast<std::int64_t>(state.iterations() * mailbox().size()));
 }
 
-ImporterChoice importersOn(Staging& staging) {
-  return {installedImporters(), "", {true, &staging}};
+/// Gives the mailbox to a run of imports, once.
+Imports::Next eachMessage() {
+  return [at = std::size_t{0}]() mutable -> std::optional<Input> {
+    if (at == mailbox().size()) return std::nullopt;
+    return Input{mailbox()[at++], nullptr};
+  };
 }
 
-/// Ends the program unless the message is found by its mark: nothing is faster than no answer.
-void checkAnswer(ImporterChoice& importers, std::size_t index) {
-  Ref<NSError> error;
-  auto file = NSURL::fileURLWithFileSystemRepresentation(mailbox()[index], false);
-  Ref<NSDictionary> attributes = importers.attributesOfFile(file, &error);
-  auto* text =
-      attributes ? cast<NSString>(attributes->objectForKey(fromCF(kMDItemTextContent))) : nullptr;
-  if (!text || text->lossyUTF8().find(MailMix::mark(index)) == std::string::npos) std::abort();
+/// Ends the program unless every message is found by its mark: nothing is faster than no answer.
+void checkAnswers(ImportWorkers& imports) {
+  std::size_t index = 0;
+  imports.run(eachMessage(), [&](const Input&, NSDictionary* attributes, NSError*) {
+    NSObject* body = attributes ? attributes->objectForKey(fromCF(kMDItemTextContent)) : nullptr;
+    auto* text = cast<NSString>(body);
+    if (!text || text->lossyUTF8().find(MailMix::mark(index++)) == std::string::npos) std::abort();
+  });
 }
 
-void wholeRoad(benchmark::State& state) {
-  const ImportLog log(nullptr);
-  Staging staging;
-  ImporterChoice importers = importersOn(staging);
-  for (std::size_t i = 0; i < mailbox().size(); i += 100) checkAnswer(importers, i);
+void wholeRoad(benchmark::State& state, bool isIsolated, unsigned workers) {
+  ImportSettings settings;
+  settings.isIsolated = isIsolated;
+  settings.workers = workers;
+  settings.inputs = mailbox();
+  ImportWorkers imports(settings);
+  std::string path, reason;
+  if (!imports.load(&path, &reason)) std::abort();
+  checkAnswers(imports);
   for (auto _ : state)
-    for (const std::string& path : mailbox()) {
-      Ref<NSError> error;
-      auto file = NSURL::fileURLWithFileSystemRepresentation(path, false);
-      benchmark::DoNotOptimize(importers.attributesOfFile(file, &error));
-    }
+    imports.run(eachMessage(), [](const Input&, NSDictionary* attributes, NSError*) {
+      benchmark::DoNotOptimize(attributes);
+    });
   countMessages(state);
 }
 
@@ -121,8 +126,9 @@ void mimeLibraryAlone(benchmark::State& state) {
 
 void oneSmallFileEach(benchmark::State& state) {
   const ScratchFolder folder(ScratchFolder::Place::Memory);
+  const std::size_t count = mailbox().size();
   for (auto _ : state)
-    for (std::size_t i = 0; i < mailbox().size(); ++i) {
+    for (std::size_t i = 0; i < count; ++i) {
       const std::string path = folder.path() + "/" + std::to_string(i);
       const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
       if (::write(file, kSmallFile.data(), kSmallFile.size()) < 0) std::abort();
@@ -132,15 +138,19 @@ void oneSmallFileEach(benchmark::State& state) {
   countMessages(state);
 }
 
-void measure(const char* name, void (*run)(benchmark::State&)) {
-  benchmark::RegisterBenchmark(name, run)
+template <class... More>
+void measure(const char* name, void (*run)(benchmark::State&, More...), More... more) {
+  benchmark::RegisterBenchmark(name, run, more...)
       ->Unit(benchmark::kMillisecond)
+      ->UseRealTime()  // processes of their own take none of this one's
       ->Iterations(1)
       ->Repetitions(5);
 }
 
 [[maybe_unused]] const bool isRegistered = [] {
-  measure("wholeRoad", wholeRoad);
+  measure("wholeRoad/oneProcess", wholeRoad, false, 1u);
+  measure("wholeRoad/oneWorker", wholeRoad, true, 1u);
+  measure("wholeRoad/twoWorkers", wholeRoad, true, 2u);
   measure("mimeLibraryAlone", mimeLibraryAlone);
   measure("oneSmallFileEach", oneSmallFileEach);
   return true;

@@ -45,7 +45,7 @@ Ref<NSDictionary> import(Road& road, std::string_view bytes) {
       .write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
   auto file = NSURL::fileURLWithFileSystemRepresentation(road.path, false);
   Ref<NSError> error;
-  return road.importers.attributesOfFile(file, &error);
+  return road.importers.attributesOfFile(file, nullptr, &error);
 }
 
 void checkAttributes(NSDictionary* attributes) {

@@ -12,8 +12,9 @@
 namespace kbx {
 namespace {
 
-// Pages are read through the mapping as far as it reaches, which saves a copy and a call each.
-constexpr char kReading[] = "PRAGMA query_only = 1; PRAGMA mmap_size = 1073741824;";
+// The file is not mapped into memory: a disk that fails would end the process, where a call that
+// fails is an error.
+constexpr char kReading[] = "PRAGMA query_only = 1; PRAGMA cache_size = -16384;";
 
 bool isThere(const std::string& path) {
   struct stat state;

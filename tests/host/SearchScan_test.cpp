@@ -285,7 +285,9 @@ TEST(SearchScan, RandomQueriesFindWhatAScanFinds) {
   std::map<std::int64_t, Scanned> all;
   for (const TestMail& mail : mails) {
     const std::int64_t id = reader->idOfPath(mail.path, nullptr).value();
-    all.emplace(id, scannedOf(reader->attributesOf(id, nullptr)));
+    Scanned scanned = scannedOf(reader->attributesOf(id, nullptr));
+    scanned.texts["file"] = wordsOf(mail.path.substr(mail.path.rfind('/') + 1));
+    all.emplace(id, std::move(scanned));
   }
   std::size_t found = 0;
   for (int i = 0; i < kQueryCount; ++i) {

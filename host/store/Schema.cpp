@@ -44,7 +44,9 @@ CREATE TABLE message (
   body TEXT,
   attributes BLOB
 );
-CREATE INDEX message_date ON message (date);
+-- A search walks it from one end and looks at nothing else for dates and states.
+CREATE INDEX message_date ON message
+  (date, id, is_read, is_flagged, is_replied, is_junk, has_attachment);
 CREATE TABLE folder (
   path BLOB PRIMARY KEY,
   indexed INTEGER

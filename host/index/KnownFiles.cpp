@@ -42,9 +42,10 @@ std::optional<KnownFile> KnownFiles::next(Ref<NSError>* error) {
 bool KnownFiles::readMore(Ref<NSError>* error) {
   const std::string after = _last;
   // What follows the slash in the order of bytes comes behind everything below the root.
+  const std::string_view without = _isAtRoot ? std::string_view() : std::string_view(after);
   const std::string end = _isAtRoot ? after + '\0' : _below.substr(0, _below.size() - 1) + '0';
   Statement rows(_database, kSelect);
-  rows.bindBytes(1, after).bindBytes(2, end).bindBytes(3, _isAtRoot ? "" : after).bind(4, kPage);
+  rows.bindBytes(1, after).bindBytes(2, end).bindBytes(3, without).bind(4, kPage);
   Statement::Step step;
   while ((step = rows.step(error)) == Statement::Step::Row) _page.push_back(fileIn(rows));
   if (step == Statement::Step::Failed) return false;

@@ -103,10 +103,12 @@ class Reader {
   std::optional<std::uint64_t> takeLength(Cursor& cursor, std::uint8_t low) const;
 
   Ref<NSObject> object(std::uint64_t index, std::size_t level);
+  Ref<NSObject> anyObject(std::uint64_t index, std::size_t level);
   Ref<NSObject> sharedObject(const Known& known, std::size_t at, std::size_t level);
   void remember(Known& known, NSObject* value, std::size_t height, Cost cost);
   bool descend(std::size_t level, std::size_t at);
   Ref<NSObject> objectAt(std::size_t at, std::size_t level);
+  Ref<NSObject> shortNumber(std::size_t at) const;
   Ref<NSObject> leaf(BinaryKind kind, std::uint8_t low, Cursor cursor, std::size_t at);
   Ref<NSObject> reference(std::uint8_t low, Cursor cursor, std::size_t at);
   Ref<NSObject> text(BinaryKind kind, std::string_view content, std::size_t at);
@@ -239,6 +241,33 @@ Ref<NSObject> Reader::leaf(BinaryKind kind, std::uint8_t low, Cursor cursor, std
   return fail("an integer of more than 64 bits", at);
 }
 
+/// The number at an offset; absent for one that is long or last and for all else, sound or not.
+Ref<NSObject> Reader::shortNumber(std::size_t at) const {
+  if (at < kBinaryHead.size() || at >= _objects.size()) return nullptr;
+  if (_objects.size() - at <= sizeof(std::uint64_t)) return nullptr;
+  const auto marker = static_cast<std::uint8_t>(_objects[at]);
+  const std::uint64_t word = wordOf<8>(_objects.data() + at + 1);
+  // One way for four sizes: which one comes next nobody could predict.
+  constexpr std::uint8_t kInteger = 0x10, kDouble = 0x23;
+  if ((marker & ~3) == kInteger)
+    return NSNumber::numberWithInteger(
+        static_cast<std::int64_t>(word >> (64 - (8 << (marker & 3)))));
+  return marker == kDouble ? NSNumber::numberWithDouble(std::bit_cast<double>(word)) : nullptr;
+}
+
+/// The object with that number, read once, except containers that may change.
+inline Ref<NSObject> Reader::object(std::uint64_t index, std::size_t level) {
+  // What anyObject() would do with a number that is new: there may be so many that steps count.
+  if (index < _count && !_known[index].isMet && _spent.values < kFreeValues + _bytes.size()) {
+    if (auto number = shortNumber(offsetOf(index))) {
+      ++_spent.values;
+      _known[index] = {.value = number, .isMet = true};
+      return number;
+    }
+  }
+  return anyObject(index, level);
+}
+
 Ref<NSObject> Reader::array(std::string_view references, std::size_t level) {
   NSArray::Elements elements;
   elements.reserve(references.size() / _referenceSize);
@@ -317,8 +346,7 @@ void Reader::remember(Known& known, NSObject* value, std::size_t height, Cost co
   if (height > 0) _costs.push_back(cost);
 }
 
-/// The object with that number, read once, except containers that may change.
-Ref<NSObject> Reader::object(std::uint64_t index, std::size_t level) {
+Ref<NSObject> Reader::anyObject(std::uint64_t index, std::size_t level) {
   if (index >= _count) return fail("a reference to no object", _table);
   const std::size_t at = offsetOf(index);
   Known& known = _known[index];

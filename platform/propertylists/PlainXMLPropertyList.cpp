@@ -12,6 +12,10 @@
 #include "platform/propertylists/XMLPropertyListHead.h"
 #include "platform/propertylists/XMLPropertyListTree.h"
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
 namespace kbx {
 namespace {
 
@@ -45,20 +49,65 @@ std::optional<char32_t> characterOf(std::string_view name) {
   return static_cast<char32_t>(value);
 }
 
+/// What a text holds, found without a look at each letter.
+class Letters {
+ public:
+  explicit Letters(std::string_view text) {
+    std::size_t at = 0;
+    for (; at + kBlock <= text.size(); at += kBlock) add(text.data() + at);
+    if (text.size() >= kBlock) {
+      add(text.data() + text.size() - kBlock);  // some letters once more
+    } else {
+      char block[kBlock];
+      std::memset(block, ' ', kBlock);
+      std::memcpy(block, text.data(), text.size());
+      add(block);
+    }
+  }
+
+  bool hasControl() const { return any(_controls); }  // but TAB and LF
+  bool hasBracket() const { return any(_brackets); }
+  bool isASCII() const { return !any(_all); }
+
+ private:
+  static constexpr std::size_t kBlock = 16;
+
+#if defined(__SSE2__)
+  using Block = __m128i;
+  static bool any(Block signs) { return _mm_movemask_epi8(signs) != 0; }
+  void add(const char* letters) {
+    const Block block = _mm_loadu_si128(reinterpret_cast<const Block*>(letters));
+    const auto is = [&](char letter) { return _mm_cmpeq_epi8(block, _mm_set1_epi8(letter)); };
+    const Block control = _mm_cmpeq_epi8(_mm_min_epu8(block, _mm_set1_epi8(0x1F)), block);
+    const Block allowed = _mm_or_si128(is('\t'), is('\n'));
+    _controls = _mm_or_si128(_controls, _mm_andnot_si128(allowed, control));
+    _brackets = _mm_or_si128(_brackets, is(']'));
+    _all = _mm_or_si128(_all, block);
+  }
+  Block _controls = _mm_setzero_si128(), _brackets = _mm_setzero_si128(),
+        _all = _mm_setzero_si128();
+#else
+  using Block = std::uint8_t;  // its high bit is the sign
+  static bool any(Block signs) { return signs >= 0x80; }
+  void add(const char* letters) {
+    for (std::size_t i = 0; i < kBlock; ++i) {
+      const auto letter = static_cast<std::uint8_t>(letters[i]);
+      if (letter < 0x20 && letter != '\t' && letter != '\n') _controls = 0x80;
+      if (letter == ']') _brackets = 0x80;
+      _all |= letter;
+    }
+  }
+  Block _controls = 0, _brackets = 0, _all = 0;
+#endif
+};
+
 /// Whether the text between two tags or references means what it says. Whether it is UTF-8 shows
 /// when it becomes a string.
 bool isPlain(std::string_view text) {
-  std::uint8_t odd = 0, brackets = 0, all = 0;
-  for (char letter : text) {  // without a branch, so that the compiler looks at many in one step
-    const auto c = static_cast<std::uint8_t>(letter);
-    const std::uint8_t isControl = c < 0x20 ? 1 : 0, isTab = c == '\t' ? 1 : 0;
-    const std::uint8_t isFeed = c == '\n' ? 1 : 0, isBracket = c == ']' ? 1 : 0;
-    odd |= static_cast<std::uint8_t>(isControl ^ isTab ^ isFeed);
-    brackets |= isBracket;
-    all |= c;
-  }
-  if (odd || (brackets && text.find("]]>") != text.npos)) return false;
-  return all < 0x80 ||
+  const Letters letters(text);
+  if (letters.hasControl()) return false;
+  if (letters.hasBracket() && text.find("]]>") != text.npos) return false;
+  return letters.isASCII() ||
          (text.find("\xEF\xBF\xBE") == text.npos && text.find("\xEF\xBF\xBF") == text.npos);
 }
 
@@ -142,6 +191,7 @@ std::size_t PlainReader::untilTag() {
   if (!_nextTag || _nextTag < begin) {
     const void* found = std::memchr(begin, '<', _rest.size());
     _nextTag = found ? static_cast<const char*>(found) : begin + _rest.size();
+    _tree.expectText(static_cast<std::size_t>(_nextTag - begin));
   }
   return static_cast<std::size_t>(_nextTag - begin);
 }
@@ -150,9 +200,7 @@ bool PlainReader::takeText() {
   const std::string_view text = _rest.substr(0, untilTag());
   const std::string_view piece = text.substr(0, text.find('&'));
   _rest.remove_prefix(piece.size());
-  if (!isPlain(piece)) return false;
-  _tree.expectText(text.size());
-  return !_tree.text(piece);
+  return isPlain(piece) && !_tree.text(piece);
 }
 
 Ref<NSObject> PlainReader::read() {

@@ -68,6 +68,22 @@ TEST(BinaryPropertyListReader, EverySizeOfNumberIsRead) {
   }
 }
 
+TEST(BinaryPropertyListReader, ANumberIsTheSameInFrontOfOthersAndLast) {
+  const std::string kinds = "\x10\x11\x12\x13\x22\x23\x33";
+  for (const char kind : kinds)
+    for (const std::uint64_t value :
+         {std::uint64_t{0}, std::uint64_t{0x0123456789ABCDEF}, std::uint64_t{0xC0DEC0DEC0DEC0DE}}) {
+      const auto number = kind + word(value, 1u << (kind & 0xF));
+      auto list = read(File{
+          {"\xA2\x01\x02", number,
+           "\x5A"
+           "0123456789"}}.bytes());
+      ASSERT_TRUE(cast<NSArray>(list));
+      EXPECT_EQ(written(cast<NSArray>(list)->objectAtIndex(0), kBinary),
+                written(only(number), kBinary));
+    }
+}
+
 TEST(BinaryPropertyListReader, EverySizeOfOffsetAndReferenceIsRead) {
   for (unsigned offset = 1; offset <= 8; ++offset)
     for (unsigned reference = 1; reference <= 8; ++reference) {

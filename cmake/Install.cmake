@@ -15,3 +15,10 @@ install(FILES "${PROJECT_BINARY_DIR}/ferncaseConfigVersion.cmake"
 install(FILES "${PROJECT_SOURCE_DIR}/README.md" DESTINATION ${FERNCASE_DOC_DIR})
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/docs" DESTINATION ${FERNCASE_DOC_DIR})
 install(DIRECTORY "${PROJECT_SOURCE_DIR}/examples" DESTINATION ${FERNCASE_DOC_DIR})
+
+# The unit names the program by its place, which is known when the place is.
+install(CODE "
+  set(prefix \"\${CMAKE_INSTALL_PREFIX}\")
+  configure_file(\"${PROJECT_SOURCE_DIR}/share/systemd/user/ferncase-watch.service.in\"
+    \"${PROJECT_BINARY_DIR}/ferncase-watch.service\" @ONLY)")
+install(FILES "${PROJECT_BINARY_DIR}/ferncase-watch.service" DESTINATION ${FERNCASE_USER_UNIT_DIR})

@@ -8,6 +8,7 @@ set(FERNCASE_SYSTEM_SPOTLIGHT_DIR ${FERNCASE_LIB_DIR}/System/Library/Spotlight)
 set(FERNCASE_INCLUDE_DIR include/ferncase)
 set(FERNCASE_CMAKE_DIR lib/cmake/ferncase)
 set(FERNCASE_DOC_DIR share/doc/ferncase)
+set(FERNCASE_USER_UNIT_DIR share/systemd/user)
 
 # Lets what is built into `directory`, a folder below the build folder, find the platform library.
 # The build tree's path is the installed one already, so that installing copies bytes only.

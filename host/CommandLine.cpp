@@ -16,6 +16,7 @@
 #include "host/import/ImportersCommand.h"
 #include "host/index/IndexCommand.h"
 #include "host/search/SearchCommand.h"
+#include "host/watch/WatchCommand.h"
 #include "platform/preferences/NSUserDefaults.h"
 
 namespace kbx {
@@ -24,9 +25,9 @@ namespace {
 using MakeCommand = std::unique_ptr<Command> (*)();
 
 constexpr MakeCommand kCommands[] = {
-    makeImportCommand,    makeIndexCommand,      makeSearchCommand,
-    makeImportersCommand, makeAttributesCommand, makeDefaultsCommand,
-    makeDoctorCommand,    makeCompletionCommand, makeManualCommand,
+    makeImportCommand,     makeIndexCommand,      makeSearchCommand,   makeWatchCommand,
+    makeImportersCommand,  makeAttributesCommand, makeDefaultsCommand, makeDoctorCommand,
+    makeCompletionCommand, makeManualCommand,
 };
 
 constexpr char kVersion[] = "ferncase " FERNCASE_VERSION "\n";

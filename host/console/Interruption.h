@@ -23,6 +23,8 @@ class Interruption {
   };
 
   static bool isWished() noexcept;
+  /// Takes the wish for granted: to end was all that the process waited for, and it has.
+  static void forget() noexcept;
   /// Ends the process in the way of the wish, if there was one: whoever started it can tell.
   static void fulfil();
 };

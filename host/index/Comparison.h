@@ -33,7 +33,9 @@ struct Difference {
 class Comparison {
  public:
   /// root  an absolute path without a slash at its end
-  Comparison(Database& database, const std::string& root) : _walk(root), _files(database, root) {}
+  Comparison(Database& database, const std::string& root,
+             FolderWalk::Root kind = FolderWalk::Root::Named)
+      : _walk(root, kind), _files(database, root) {}
 
   /// Absent after the last one, and when the store cannot be read; only then the error is set.
   std::optional<Difference> next(Ref<NSError>* error);

@@ -4,6 +4,7 @@
 #include <cerrno>
 
 #include "host/import/MessageNames.h"
+#include "platform/files/FileSystem.h"
 
 namespace kbx {
 namespace {
@@ -64,10 +65,22 @@ std::optional<FoundFile> FolderWalk::next() {
 
 std::optional<FoundFile> FolderWalk::begin() {
   _hasBegun = true;
+  if (_kind == Root::Seen && !isThere()) return std::nullopt;
   FolderEntry root;
   const int failure = FolderReader::current().stateOfFile(_root, &root);
+  if (_kind == Root::Seen && (failure == ENOENT || failure == ENOTDIR)) return std::nullopt;
   if (failure || !root.isFolder) return FoundFile{_root, root.state, failure};
   return enter(_root);
+}
+
+/// Whether a walk of the folder around it would give the root, or walk it.
+bool FolderWalk::isThere() const {
+  FileStatus status;
+  const int failure = FileSystem::current().statusOfLink(_root, &status);
+  if (failure) return failure != -ENOENT && failure != -ENOTDIR;
+  if (status.kind != FileStatus::Kind::Regular) return status.isFolder();
+  const std::string_view name = std::string_view(_root).substr(_root.rfind('/') + 1);
+  return !isHidden(name) && (isMessageName(name) || isMaildirMessage(_root));
 }
 
 /// Reads a folder, which is the one to walk then; answers one that cannot be read.
@@ -80,7 +93,7 @@ std::optional<FoundFile> FolderWalk::enter(std::string path) {
   const int failure = FolderReader::current().read(path, isMessage, &entries);
   // What has vanished meanwhile, or given its place to a link, is not there.
   const bool isGone = failure == ENOENT || failure == ENOTDIR || failure == ELOOP;
-  if (isGone && !_folders.empty()) return std::nullopt;
+  if (isGone && (_kind == Root::Seen || !_folders.empty())) return std::nullopt;
   if (failure) return FoundFile{std::move(path), {}, failure};
   std::ranges::sort(entries, isBefore);
   _folders.push_back({std::move(path), std::move(entries)});

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,8 +26,14 @@ struct FoundFile {
 /// the way to the file that comes next, and nothing else.
 class FolderWalk {
  public:
-  /// root  an absolute path without a slash at its end: a folder, or a file of any name
-  explicit FolderWalk(std::string root) : _root(std::move(root)) {}
+  enum class Root : std::uint8_t {
+    Named,  // by the user: a folder or a file of any name, which must be there; a link is followed
+    Seen    // inside a folder that is indexed: what is no message, a link, or gone, is not there
+  };
+
+  /// root  an absolute path without a slash at its end
+  explicit FolderWalk(std::string root, Root kind = Root::Named)
+      : _root(std::move(root)), _kind(kind) {}
 
   std::optional<FoundFile> next();
 
@@ -39,8 +46,10 @@ class FolderWalk {
 
   std::optional<FoundFile> begin();
   std::optional<FoundFile> enter(std::string path);
+  bool isThere() const;
 
   const std::string _root;
+  const Root _kind;
   bool _hasBegun = false;
   std::vector<Folder> _folders;  // the way from the root to the folder that is being walked
 };

@@ -26,7 +26,7 @@ bool IndexPlan::make(Database& store, const std::vector<std::string>& roots,
 }
 
 bool IndexPlan::compareRoot(const std::string& root, IndexListener& listener, Ref<NSError>* error) {
-  Comparison comparison(*_store, root);
+  Comparison comparison(*_store, root, _kind);
   Ref<NSError> failure;
   while (auto difference = comparison.next(&failure)) {
     if (Interruption::isWished()) return true;
@@ -73,7 +73,7 @@ std::optional<Difference> IndexPlan::next(Ref<NSError>* error) {
 std::optional<Difference> IndexPlan::nextOfAll(Ref<NSError>* error) {
   Ref<NSError> failure;
   while (_again || _position < _roots.size()) {
-    if (!_again) _again.emplace(*_store, _roots[_position++]);
+    if (!_again) _again.emplace(*_store, _roots[_position++], _kind);
     while (auto difference = _again->next(&failure))
       if (isWork(*difference)) return difference;
     if (failure && error) *error = failure;

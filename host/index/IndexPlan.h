@@ -22,8 +22,10 @@ class IndexPlan {
   /// retriesFailures  files that gave no message count as changed
   /// mostKept         how much there may be to do for it to be remembered; for more the folders are
   ///                  compared once more while it is done, so that memory stays bounded
-  IndexPlan(bool retriesFailures, std::size_t mostKept)
-      : _retriesFailures(retriesFailures), _mostKept(mostKept) {}
+  /// kind             of what the roots are
+  IndexPlan(bool retriesFailures, std::size_t mostKept,
+            FolderWalk::Root kind = FolderWalk::Root::Named)
+      : _retriesFailures(retriesFailures), _mostKept(mostKept), _kind(kind) {}
 
   /// Compares the folders with the store. False when the store cannot be read.
   ///
@@ -64,6 +66,7 @@ class IndexPlan {
 
   const bool _retriesFailures;
   const std::size_t _mostKept;
+  const FolderWalk::Root _kind;
   Database* _store = nullptr;
   std::vector<std::string> _roots;
   GoneFiles _gone;

@@ -20,6 +20,7 @@ struct IndexSettings {
   BatchSize batch;
   bool retriesFailures = false;   // also of files that have not changed
   std::size_t mostKept = 10'000;  // files; so much work takes longer than comparing once more
+  FolderWalk::Root roots = FolderWalk::Root::Named;
 };
 
 /// One thread, one run. What was committed stays, whatever happens to the process; the next run
@@ -39,7 +40,7 @@ class IndexRun {
         _listener(listener),
         _store(store),
         _batches(store, settings.batch, [this] { _committed = _counts; }),
-        _plan(settings.retriesFailures, settings.mostKept) {}
+        _plan(settings.retriesFailures, settings.mostKept, settings.roots) {}
 
   /// Adds, changes and moves what is below the roots, and removes what has gone there. What cannot
   /// be read stays in the store as it is, and so does what lay on a volume that is missing.

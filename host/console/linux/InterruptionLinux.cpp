@@ -48,6 +48,8 @@ Interruption::Allowed::~Allowed() {
 
 bool Interruption::isWished() noexcept { return wish != 0; }
 
+void Interruption::forget() noexcept { wish = 0; }
+
 void Interruption::fulfil() {
   if (wish != 0) std::raise(wish);
 }

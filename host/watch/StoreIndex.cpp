@@ -1,0 +1,30 @@
+#include "host/watch/StoreIndex.h"
+
+#include <utility>
+
+#include "host/index/IndexedFolders.h"
+#include "host/store/StoreErrors.h"
+
+namespace kbx {
+
+StoreIndex::StoreIndex(std::string store, const ImportSettings& imports, IndexListener& listener)
+    : _path(std::move(store)), _listener(listener) {
+  _settings.imports = imports;
+  _settings.roots = FolderWalk::Root::Seen;
+}
+
+WatchedIndex::Answer StoreIndex::update(const std::vector<std::string>& paths,
+                                        Ref<NSError>* error) {
+  const auto store = StoreWriter::open(_path, error);
+  if (!store) return (*error)->code() == StoreBusyError ? Answer::Busy : Answer::Failed;
+  IndexRun run(*store, _settings, _listener);
+  switch (run.run(outermost(paths), error)) {
+    case IndexRun::End::NoImporter:
+    case IndexRun::End::StoreFailed:
+      return Answer::Failed;
+    default:  // what cannot be read was told, and stays as it is
+      return Answer::Done;
+  }
+}
+
+}  // namespace kbx

@@ -1,0 +1,168 @@
+#include "host/watch/WatchCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <optional>
+#include <utility>
+
+#include "host/console/Interruption.h"
+#include "host/console/StandardStreams.h"
+#include "host/console/Terminal.h"
+#include "host/index/IndexedFolders.h"
+#include "host/index/Places.h"
+#include "host/store/StoreErrors.h"
+#include "host/watch/StoreIndex.h"
+#include "host/watch/WatchReport.h"
+#include "platform/files/FileSystem.h"
+
+namespace kbx {
+namespace {
+
+struct Options {
+  std::string store;  // empty for the user's own
+  unsigned workers = 0;
+  bool isQuiet = false;
+  bool hasEvents = false;
+  bool isVerbose = false;
+};
+
+class WatchCommand final : public Command {
+ public:
+  std::string_view name() const override { return "watch"; }
+  std::string_view summary() const override {
+    return "Keep a store up to date while messages come, change and go.";
+  }
+  std::string_view operands() const override { return "[DIR...]"; }
+  std::string_view notes() const override {
+    return "First brings the store up to date as index does, then follows what happens in the "
+           "folders\n"
+           "until it is ended (Ctrl-C, SIGTERM). Without a DIR it follows the folders that were "
+           "indexed\n"
+           "before. As a service of the user: systemctl --user enable --now ferncase-watch\n"
+           "\n"
+           "Exit codes: 0 ended as wished, 1 the store cannot be read or written, 2 wrong usage,\n"
+           "4 none of the folders is there.";
+  }
+  bool takesDefaults() const override { return true; }
+  void declareOptions(CLI::App& options) override;
+  ExitCode run(std::vector<std::string> operands, Console& console) override;
+
+ private:
+  std::optional<std::vector<std::string>> rootsFor(const std::vector<std::string>& operands,
+                                                   Console& console, ExitCode* code) const;
+  ExitCode follow(std::vector<std::string> roots, FolderWatcher& watcher, Console& console) const;
+
+  Options _options;
+};
+
+void WatchCommand::declareOptions(CLI::App& options) {
+  options.add_option("--db", _options.store, "The store, instead of the user's own")
+      ->type_name("FILE");
+  options.add_option("--workers", _options.workers, "How many processes import at the same time")
+      ->type_name("N");
+  options.add_flag("-q,--quiet", _options.isQuiet, "Tell of troubles alone");
+  options.add_flag("--ndjson", _options.hasEvents, "Print one JSON object for each event");
+  options.add_flag("-v,--verbose", _options.isVerbose,
+                   "Print what the importer logs to standard error");
+}
+
+void complain(Console& console, NSError* error) {
+  console.diagnostics.message(error->localizedDescription()->lossyUTF8());
+}
+
+/// Takes away those that are files: a watch is of folders.
+void leaveFoldersOnly(std::vector<std::string>& places, Diagnostics& diagnostics) {
+  std::erase_if(places, [&](const std::string& place) {
+    FileStatus status;
+    if (FileSystem::current().statusOfPath(place, &status) < 0 || status.isFolder()) return false;
+    diagnostics.failure(place, "It is no folder, and is not followed."_ns);
+    return true;
+  });
+}
+
+/// The writer may be somebody else for a while, even at the start.
+bool remember(const std::string& store, const std::vector<std::string>& places,
+              Ref<NSError>* error) {
+  const auto writer = StoreWriter::open(store, error);
+  return writer && rememberFolders(*writer, places, error);
+}
+
+std::optional<std::vector<std::string>> rememberedFolders(const std::string& store,
+                                                          Ref<NSError>* error) {
+  const auto reader = StoreReader::open(store, error);
+  const auto folders = reader ? indexedFolders(reader->database(), error) : std::nullopt;
+  if (!folders) return std::nullopt;
+  std::vector<std::string> places;
+  for (const IndexedFolder& folder : *folders) places.push_back(folder.path);
+  return places;
+}
+
+/// Absent with an exit code when there is nothing to follow.
+std::optional<std::vector<std::string>> WatchCommand::rootsFor(
+    const std::vector<std::string>& operands, Console& console, ExitCode* code) const {
+  std::vector<std::string> places = placesOf(operands, console);
+  leaveFoldersOnly(places, console.diagnostics);
+  *code = kNoneDelivered;
+  if (!operands.empty() && places.empty()) return std::nullopt;
+  places = outermost(std::move(places));
+  *code = kUndone;
+  Ref<NSError> error;
+  if (!operands.empty()) {
+    if (remember(_options.store, places, &error)) return places;
+    complain(console, error);
+    return std::nullopt;
+  }
+  auto remembered = rememberedFolders(_options.store, &error);
+  if (!remembered && error->code() != StoreMissingError) {
+    complain(console, error);
+    return std::nullopt;
+  }
+  if (remembered) leaveFoldersOnly(*remembered, console.diagnostics);
+  if (!remembered || remembered->empty())
+    throw UsageError("watch needs a DIR, as no folder was indexed before");
+  return outermost(std::move(*remembered));
+}
+
+ExitCode WatchCommand::run(std::vector<std::string> operands, Console& console) {
+  if (_options.store.empty()) {
+    auto path = defaultStorePath();
+    if (!path)
+      throw UsageError("neither XDG_DATA_HOME nor HOME says where the store is; --db FILE does");
+    _options.store = std::move(*path);
+  }
+  ExitCode code = kDone;
+  auto roots = rootsFor(operands, console, &code);
+  if (!roots) return code;
+  int failure = 0;
+  const auto watcher = makeFolderWatcher(&failure);
+  if (watcher) return follow(std::move(*roots), *watcher, console);
+  console.diagnostics.failure("inotify", posixError(failure)->localizedFailureReason());
+  return kBroken;
+}
+
+ExitCode WatchCommand::follow(std::vector<std::string> roots, FolderWatcher& watcher,
+                              Console& console) const {
+  const Interruption noted;
+  const bool isLive =
+      !_options.isQuiet && !(_options.hasEvents && terminalColumns(kStandardOutput));
+  WatchReport report(console, {.hasEvents = _options.hasEvents,
+                               .columns = isLive ? terminalColumns(kStandardError) : 0,
+                               .hasSummary = !_options.isQuiet});
+  ImportSettings imports;
+  imports.workers = _options.workers;
+  imports.log = _options.isVerbose ? &console.diagnostics : nullptr;
+  StoreIndex index(_options.store, imports, report);
+  WatchLoop loop(watcher, index, report, std::move(roots));
+  loop.begin();
+  while (!Interruption::isWished()) {
+    if (!loop.step()) return kUndone;
+    if (!console.output.flush()) return kBroken;
+  }
+  Interruption::forget();
+  return kDone;
+}
+
+}  // namespace
+
+std::unique_ptr<Command> makeWatchCommand() { return std::make_unique<WatchCommand>(); }
+
+}  // namespace kbx

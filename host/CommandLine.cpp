@@ -11,11 +11,13 @@
 #include "host/doctor/DoctorCommand.h"
 #include "host/documents/CompletionCommand.h"
 #include "host/documents/ManualCommand.h"
+#include "host/export/ExportCommand.h"
 #include "host/import/AttributesCommand.h"
 #include "host/import/ImportCommand.h"
 #include "host/import/ImportersCommand.h"
 #include "host/index/IndexCommand.h"
 #include "host/search/SearchCommand.h"
+#include "host/show/ShowCommand.h"
 #include "host/watch/WatchCommand.h"
 #include "platform/preferences/NSUserDefaults.h"
 
@@ -25,9 +27,9 @@ namespace {
 using MakeCommand = std::unique_ptr<Command> (*)();
 
 constexpr MakeCommand kCommands[] = {
-    makeImportCommand,     makeIndexCommand,      makeSearchCommand,   makeWatchCommand,
-    makeImportersCommand,  makeAttributesCommand, makeDefaultsCommand, makeDoctorCommand,
-    makeCompletionCommand, makeManualCommand,
+    makeImportCommand,   makeIndexCommand,  makeSearchCommand,     makeWatchCommand,
+    makeShowCommand,     makeExportCommand, makeImportersCommand,  makeAttributesCommand,
+    makeDefaultsCommand, makeDoctorCommand, makeCompletionCommand, makeManualCommand,
 };
 
 constexpr char kVersion[] = "ferncase " FERNCASE_VERSION "\n";

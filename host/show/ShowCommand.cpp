@@ -1,0 +1,210 @@
+#include "host/show/ShowCommand.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "host/console/FerncaseErrors.h"
+#include "host/export/StoredPlace.h"
+#include "host/results/AttributeFilter.h"
+#include "host/results/RawValues.h"
+#include "host/results/Results.h"
+#include "platform/text/ASCII.h"
+
+namespace kbx {
+namespace {
+
+struct Options {
+  std::string store;  // empty for the user's own
+  AttributeFilter filter;
+  std::string nullMarker = "(null)";
+  bool hidesText = false;
+  bool isBare = false;
+  bool isJSON = false;
+  bool isLines = false;
+  bool isPropertyList = false;
+};
+
+/// The id that a word of digits is.
+std::optional<std::int64_t> idIn(std::string_view word) {
+  std::int64_t id = 0;
+  const char* const end = word.data() + word.size();
+  const auto [stop, failure] = std::from_chars(word.data(), end, id);
+  const bool isId = failure == std::errc() && stop == end && isASCIIDigit(word.front());
+  return isId ? std::optional(id) : std::nullopt;
+}
+
+/// The paths under which the store may know a file, whether it is there or not: as its folder is
+/// without links, and as it was named.
+std::vector<std::string> placesFor(const std::string& operand) {
+  std::error_code failure;
+  const auto named = std::filesystem::absolute(operand, failure).lexically_normal();
+  const auto folder = std::filesystem::weakly_canonical(named.parent_path(), failure);
+  std::vector<std::string> places{(folder / named.filename()).string()};
+  if (named != places[0]) places.push_back(named.string());
+  return places;
+}
+
+/// The messages of one command line, one after the other.
+class ShowRun {
+ public:
+  ShowRun(StoreReader& store, const AttributeFilter& filter, Results& results,
+          Diagnostics& diagnostics)
+      : _store(store), _filter(filter), _results(results), _diagnostics(diagnostics) {}
+
+  void show(const std::string& operand);
+  ExitCode exitCode() const {
+    if (!_hasFailures) return kDone;
+    return _hasShown ? kSomeFailed : kNoneDelivered;
+  }
+
+ private:
+  std::optional<std::int64_t> find(const std::string& operand, Ref<NSError>* error);
+  bool showId(std::int64_t id, Ref<NSError>* error);
+  void tellPresence(const StoredPlace& place);
+
+  StoreReader& _store;
+  const AttributeFilter& _filter;
+  Results& _results;
+  Diagnostics& _diagnostics;
+  bool _hasShown = false;
+  bool _hasFailures = false;
+};
+
+std::optional<std::int64_t> ShowRun::find(const std::string& operand, Ref<NSError>* error) {
+  if (const auto id = idIn(operand)) return id;
+  for (const std::string& place : placesFor(operand))
+    if (const auto id = _store.idOfPath(place, error); id || *error) return id;
+  return std::nullopt;
+}
+
+void ShowRun::show(const std::string& operand) {
+  Ref<NSError> error;
+  const auto id = operand.empty() ? std::nullopt : find(operand, &error);
+  if (id && showId(*id, &error)) {
+    _hasShown = true;
+    return;
+  }
+  if (!error) error = ferncaseError(FerncaseNoMessagesError, "The store knows no such message.");
+  _hasFailures = true;
+  _results.failed(operand, error);
+  _diagnostics.failure(operand, error->localizedDescription());
+}
+
+bool ShowRun::showId(std::int64_t id, Ref<NSError>* error) {
+  const auto place = storedPlace(_store, id, error);
+  if (!place) return false;
+  if (place->failure) {
+    *error = ferncaseError(FerncaseImportFailedError, *place->failure);
+    return false;
+  }
+  const auto attributes = _store.attributesOf(id, error);
+  if (!attributes) return false;
+  _results.delivered(place->path, _filter.wantedOf(attributes));
+  tellPresence(*place);
+  return true;
+}
+
+void ShowRun::tellPresence(const StoredPlace& place) {
+  switch (presenceOf(place)) {
+    case Presence::Same:
+      return;
+    case Presence::Changed:
+      return _diagnostics.failure(place.path, "It has changed since it was indexed."_ns);
+    case Presence::Gone:
+      return _diagnostics.failure(place.path, "It is gone since it was indexed."_ns);
+  }
+}
+
+class ShowCommand final : public Command {
+ public:
+  std::string_view name() const override { return "show"; }
+  std::string_view summary() const override {
+    return "Print the attributes of messages from the store.";
+  }
+  std::string_view operands() const override { return "PATH|ID..."; }
+  std::string_view notes() const override {
+    return "The files are not read; when one has changed or is gone since it was indexed, that is\n"
+           "told on standard error. An ID is the number of a message in the store, as export\n"
+           "--format=bulk prints it; a file whose name is a number is written ./17.\n"
+           "\n"
+           "Exit codes: 0 done, 1 the store cannot be read, 2 wrong usage, 3 some are not known,\n"
+           "4 none is.";
+  }
+  void declareOptions(CLI::App& options) override;
+  ExitCode run(std::vector<std::string> operands, Console& console) override;
+
+ private:
+  void checkUsage(const std::vector<std::string>& operands) const;
+  std::unique_ptr<Results> makeResults(Output& output, bool hasSeveral) const;
+
+  Options _options;
+};
+
+void ShowCommand::declareOptions(CLI::App& options) {
+  options.add_option("--db", _options.store, "The store, instead of the user's own")
+      ->type_name("FILE");
+  options.add_flag("--json", _options.isJSON, "Print one JSON array");
+  options.add_flag("--ndjson", _options.isLines, "Print one JSON object a line");
+  options.add_flag("--plist", _options.isPropertyList, "Print one XML property list");
+  options.add_option("--name", _options.filter.names, "Print only this attribute; may be repeated")
+      ->type_name("ATTRIBUTE")
+      ->allow_extra_args(false);
+  options.add_flag("--raw", _options.isBare, "Print the bare values of --name, a NUL behind each");
+  options
+      .add_option("--null-marker", _options.nullMarker,
+                  "What --raw prints for an attribute that a message has not")
+      ->type_name("TEXT");
+  options.add_flag("--no-text", _options.hidesText, "Leave the body out, as text and as HTML");
+  options.add_flag("--extra", _options.filter.showsExtra,
+                   "Print what is known about a message beyond the common attributes");
+}
+
+void ShowCommand::checkUsage(const std::vector<std::string>& operands) const {
+  if (operands.empty()) throw UsageError("show needs a PATH or an ID");
+  if (_options.isJSON + _options.isLines + _options.isPropertyList + _options.isBare > 1)
+    throw UsageError("--json, --ndjson, --plist and --raw exclude each other");
+  if (_options.isBare && _options.filter.names.empty()) throw UsageError("--raw needs --name");
+}
+
+std::unique_ptr<Results> ShowCommand::makeResults(Output& output, bool hasSeveral) const {
+  if (_options.isJSON) return makeJSONResults(output);
+  if (_options.isLines) return makeLineResults(output);
+  if (_options.isPropertyList) return makePropertyListResults(output);
+  if (_options.isBare) return makeRawValues(output, _options.filter.names, _options.nullMarker);
+  return makeTextResults(output, hasSeveral);
+}
+
+ExitCode ShowCommand::run(std::vector<std::string> operands, Console& console) {
+  checkUsage(operands);
+  _options.filter.showsText = !_options.hidesText;
+  const auto path = _options.store.empty() ? defaultStorePath() : std::optional(_options.store);
+  if (!path)
+    throw UsageError("neither XDG_DATA_HOME nor HOME says where the store is; --db FILE does");
+  Ref<NSError> error;
+  const auto store = StoreReader::open(*path, &error);
+  if (!store) {
+    console.diagnostics.message(error->localizedDescription()->lossyUTF8());
+    return kUndone;
+  }
+  const auto results = makeResults(console.output, operands.size() > 1);
+  ShowRun run(*store, _options.filter, *results, console.diagnostics);
+  results->begin();
+  for (const std::string& operand : operands) {
+    run.show(operand);
+    if (!console.output.flush()) return kBroken;
+  }
+  results->end();
+  return run.exitCode();
+}
+
+}  // namespace
+
+std::unique_ptr<Command> makeShowCommand() { return std::make_unique<ShowCommand>(); }
+
+}  // namespace kbx

@@ -27,9 +27,10 @@ class FolderWalkTest : public testing::Test {
     return found.substr(std::min(found.size(), _folder.path().string().size() + 1));
   }
   /// What is found below the folder; a failure has its number in front.
-  std::vector<std::string> walk(std::string_view root = "") {
+  std::vector<std::string> walk(std::string_view root = "",
+                                FolderWalk::Root kind = FolderWalk::Root::Named) {
     std::vector<std::string> paths;
-    FolderWalk walk(root.empty() ? _folder.path().string() : path(root));
+    FolderWalk walk(root.empty() ? _folder.path().string() : path(root), kind);
     while (auto found = walk.next())
       paths.push_back((found->failure ? std::to_string(found->failure) + " " : "") +
                       relative(found->path));
@@ -90,6 +91,20 @@ TEST_F(FolderWalkTest, ASecondNameOfAFileIsAFile) {
 TEST_F(FolderWalkTest, ARootMayBeAFileOfAnyName) {
   makeFile("letter.txt");
   EXPECT_THAT(walk("letter.txt"), ElementsAre("letter.txt"));
+}
+
+TEST_F(FolderWalkTest, ARootThatWasSeenIsThereWhenTheWalkOfItsFolderGivesIt) {
+  constexpr auto kSeen = FolderWalk::Root::Seen;
+  for (auto name : {"a.eml", "b.txt", ".c.eml", "in/d.eml", "box/cur/1", "box/new/2"})
+    makeFile(name);
+  std::filesystem::create_symlink(path("a.eml"), path("link.eml"));
+  std::filesystem::create_directory_symlink(path("in"), path("linked"));
+  EXPECT_THAT(walk("a.eml", kSeen), ElementsAre("a.eml"));
+  EXPECT_THAT(walk("box/cur/1", kSeen), ElementsAre("box/cur/1"));
+  EXPECT_THAT(walk("in", kSeen), ElementsAre("in/d.eml"));
+  for (auto name :
+       {"b.txt", ".c.eml", "gone.eml", "gone/x.eml", "a.eml/x.eml", "link.eml", "linked"})
+    EXPECT_THAT(walk(name, kSeen), testing::IsEmpty()) << name;
 }
 
 TEST_F(FolderWalkTest, WhatCannotBeReadStandsInTheOrderToo) {

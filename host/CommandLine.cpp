@@ -47,7 +47,7 @@ class HelpText final : public CLI::Formatter {
 
 std::string generalHelp() {
   std::string text =
-      "ferncase finds the searchable attributes of e-mail messages.\n"
+      "ferncase indexes e-mail messages, searches them, and shows what they are known by.\n"
       "\n"
       "Usage: ferncase COMMAND [OPTIONS] ...\n"
       "       ferncase --help | --version\n"

@@ -20,6 +20,7 @@ namespace {
 struct Options {
   std::string store;  // empty for the user's own
   unsigned workers = 0;
+  std::string isolation = "process";
   bool isQuiet = false;
   bool hasEvents = false;
   bool isVerbose = false;
@@ -57,8 +58,14 @@ class WatchCommand final : public Command {
 void WatchCommand::declareOptions(CLI::App& options) {
   options.add_option("--db", _options.store, "The store, instead of the user's own")
       ->type_name("FILE");
-  options.add_option("--workers", _options.workers, "How many processes import at the same time")
-      ->type_name("N");
+  options.add_option("-j", _options.workers, "How many messages are imported at the same time")
+      ->type_name("N")
+      ->check(CLI::Range(1, 256));
+  options
+      .add_option("--isolate", _options.isolation,
+                  "Where importers run: \"process\", in processes that can do nothing else, or "
+                  "\"none\", in this one")
+      ->type_name("HOW");
   options.add_flag("-q,--quiet", _options.isQuiet, "Tell of troubles alone");
   options.add_flag("--ndjson", _options.hasEvents, "Print one JSON object for each event");
   options.add_flag("-v,--verbose", _options.isVerbose,
@@ -123,6 +130,10 @@ std::optional<std::vector<std::string>> WatchCommand::rootsFor(
 }
 
 ExitCode WatchCommand::run(std::vector<std::string> operands, Console& console) {
+  if (_options.isolation != "process" && _options.isolation != "none")
+    throw UsageError("--isolate is process or none");
+  if (_options.isolation == "none" && _options.workers > 1)
+    throw UsageError("-j needs --isolate process");
   if (_options.store.empty()) {
     auto path = defaultStorePath();
     if (!path)
@@ -149,6 +160,7 @@ ExitCode WatchCommand::follow(std::vector<std::string> roots, FolderWatcher& wat
                                .hasSummary = !_options.isQuiet});
   ImportSettings imports;
   imports.workers = _options.workers;
+  imports.isIsolated = _options.isolation == "process";
   imports.log = _options.isVerbose ? &console.diagnostics : nullptr;
   StoreIndex index(_options.store, imports, report);
   WatchLoop loop(watcher, index, report, std::move(roots));

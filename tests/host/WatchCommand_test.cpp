@@ -33,8 +33,7 @@ class WatchCommandTest : public testing::Test {
   }
   std::string store() const { return (_folder / "mail.db").string(); }
   std::vector<std::string> command() const {
-    return {FERNCASE_BINARY, "watch",     "--db", store(),
-            "--ndjson",      "--workers", "1",    _mail.string()};
+    return {FERNCASE_BINARY, "watch", "--db", store(), "--ndjson", "-j", "1", _mail.string()};
   }
   void deliver(std::string_view name, const std::string& subject) const {
     _folder.write("delivered", message(subject));
@@ -210,6 +209,9 @@ TEST_F(WatchCommandTest, WrongFoldersAreTold) {
   const auto none = Process({FERNCASE_BINARY, "watch", "--db", store()}).run();
   EXPECT_EQ(none.exitCode, 2);
   EXPECT_THAT(none.complaints, HasSubstr("watch needs a DIR"));
+  const auto way = Process({FERNCASE_BINARY, "watch", "--isolate=some", "/"}).run();
+  EXPECT_EQ(way.exitCode, 2);
+  EXPECT_THAT(way.complaints, HasSubstr("--isolate is process or none"));
 }
 
 TEST_F(WatchCommandTest, KilledAtAnyMomentItLosesNothingThatTheNextRunDoesNotFind) {

@@ -22,6 +22,8 @@ WatchedIndex::Answer StoreIndex::update(const std::vector<std::string>& paths,
     case IndexRun::End::NoImporter:
     case IndexRun::End::StoreFailed:
       return Answer::Failed;
+    case IndexRun::End::Interrupted:
+      return Answer::Interrupted;
     default:  // what cannot be read was told, and stays as it is
       return Answer::Done;
   }

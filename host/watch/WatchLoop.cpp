@@ -75,6 +75,7 @@ void WatchLoop::update(Moment now) {
     return;
   }
   _busyUntil.reset();
+  if (answer == WatchedIndex::Answer::Interrupted && !_isReady) return;
   if (!_isReady) _listener.ready(_folders.count());
   _isReady = true;
   _listener.updated(_folders.count());

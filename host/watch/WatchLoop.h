@@ -14,10 +14,12 @@ namespace kbx {
 /// The index that is kept up.
 class WatchedIndex {
  public:
-  enum class Answer : std::uint8_t { Done, Busy, Failed };
+  enum class Answer : std::uint8_t { Done, Interrupted, Busy, Failed };
   virtual ~WatchedIndex() = default;
   /// Looks at folders, with all that is and was in them, and at files, whether they are there or
   /// not, and changes the index to fit. What a path that is not there held is removed.
+  ///
+  /// Interrupted: the process is wished to end, and not everything was looked at.
   ///
   /// error  set when the answer is Busy (another process writes, and nothing was changed) or Failed
   virtual Answer update(const std::vector<std::string>& paths, Ref<NSError>* error) = 0;

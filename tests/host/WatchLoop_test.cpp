@@ -156,6 +156,13 @@ TEST_F(WatchLoopTest, ItIsReadyOnlyWhenTheFirstUpdateIsDone) {
   EXPECT_THAT(_listener.told, ElementsAre("waiting", "ready", "updated"));
 }
 
+TEST_F(WatchLoopTest, AFirstUpdateThatIsInterruptedDoesNotMakeItReady) {
+  _index.answer = Answer::Interrupted;
+  _loop.begin();
+  EXPECT_TRUE(_loop.step());
+  EXPECT_THAT(_listener.told, IsEmpty());
+}
+
 TEST_F(WatchLoopTest, AFailedIndexEndsIt) {
   begin();
   _index.answer = Answer::Failed;

@@ -6,6 +6,9 @@
 namespace kbx {
 namespace {
 
+/// Bytes that are not kept for the next frame.
+constexpr std::size_t kMuchMemory = 1 << 20;
+
 struct Head {
   FrameKind kind;
   std::uint64_t number;
@@ -14,11 +17,16 @@ struct Head {
 
 }  // namespace
 
+void appendFrameHead(std::string& bytes, FrameKind kind, std::uint64_t number,
+                     std::uint64_t length) {
+  const Head head{kind, number, length};
+  bytes.append(reinterpret_cast<const char*>(&head), sizeof head);
+}
+
 void appendFrame(std::string& bytes, FrameKind kind, std::uint64_t number,
                  std::string_view content) {
-  const Head head{kind, number, content.size()};
-  bytes.reserve(bytes.size() + sizeof head + content.size());  // or no frame at all
-  bytes.append(reinterpret_cast<const char*>(&head), sizeof head).append(content);
+  appendFrameHead(bytes, kind, number, content.size());
+  bytes.append(content);
 }
 
 TextPair textPairIn(std::string_view content) {
@@ -38,7 +46,12 @@ std::span<char> FrameReader::room(std::size_t size) {
     _end -= _start;
     _start = 0;
   }
-  if (_bytes.size() - _end < size) _bytes.resize(std::max(_end + size, 2 * _bytes.size()));
+  if (_bytes.size() - _end < size) {
+    // Growing by halves costs little, but never beyond the frame that is coming.
+    const std::size_t needed = _end + size;
+    const std::uint64_t frame = claimedLength() + sizeof(Head);
+    _bytes.resize(std::max<std::uint64_t>(needed, std::min<std::uint64_t>(2 * needed, frame)));
+  }
   return std::span(_bytes).subspan(_end);
 }
 
@@ -52,6 +65,10 @@ std::uint64_t FrameReader::claimedLength() const {
 std::optional<Frame> FrameReader::next() {
   Head head;
   const std::size_t size = _end - _start;
+  if (size == 0 && _bytes.size() > kMuchMemory) {
+    _bytes = {};
+    _start = _end = 0;
+  }
   if (size < sizeof head) return std::nullopt;
   std::memcpy(&head, _bytes.data() + _start, sizeof head);
   if (size - sizeof head < head.length) return std::nullopt;

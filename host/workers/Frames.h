@@ -31,6 +31,9 @@ struct Frame {
 
 void appendFrame(std::string& bytes, FrameKind kind, std::uint64_t number,
                  std::string_view content);
+/// The head alone, for content that follows in pieces.
+void appendFrameHead(std::string& bytes, FrameKind kind, std::uint64_t number,
+                     std::uint64_t length);
 
 /// The two texts in the content of a frame, on both sides of its first NUL.
 struct TextPair {

@@ -1,7 +1,6 @@
 #include "host/workers/ImportWorker.h"
 
 #include <chrono>
-#include <new>
 #include <optional>
 #include <string>
 
@@ -26,17 +25,21 @@ constexpr std::size_t kManyBytes = 1 << 15;
 constexpr auto kLongWait = std::chrono::milliseconds(10);
 /// A message of this size takes a while, for which results do not wait.
 constexpr std::uint64_t kLargeMessage = 1 << 20;
-/// Bytes that are not kept for the next message.
-constexpr std::size_t kMuchMemory = 1 << 20;
-
 /// Gathers frames on their way to the master.
-class Sender {
+class Sender final : private ByteSink {
  public:
   explicit Sender(int stream) : _stream(stream) {}
 
   void add(FrameKind kind, std::uint64_t number, std::string_view content) {
     if (_bytes.empty()) _since = Clock::now();
     appendFrame(_bytes, kind, number, content);
+    if (_bytes.size() >= kManyBytes || Clock::now() - _since >= kLongWait) flush();
+  }
+  /// Answers are long: what is long in them goes out as it is.
+  void addValues(std::uint64_t number, NSDictionary* values) {
+    if (_bytes.empty()) _since = Clock::now();
+    appendFrameHead(_bytes, FrameKind::Attributes, number, sizeOfValues(values));
+    writeValues(*this, values);
     if (_bytes.size() >= kManyBytes || Clock::now() - _since >= kLongWait) flush();
   }
   void flush() {
@@ -47,6 +50,15 @@ class Sender {
   bool isGone() const { return _isGone; }
 
  private:
+  void append(std::string_view bytes) override {
+    if (bytes.size() < kManyBytes) {
+      _bytes.append(bytes);
+      return;
+    }
+    flush();
+    _isGone |= !_isGone && !sendAll(_stream, bytes);
+  }
+
   const int _stream;
   std::string _bytes;
   Clock::time_point _since;  // when the first of them was added
@@ -93,7 +105,6 @@ class ImportWorker {
   ImporterChoice _importers;
   std::optional<MessageLimits> _limits;
   FrameReader _reader;
-  std::string _bytes;  // of the answer in hand
 };
 
 ImportWorker::ImportWorker(const WorkerPlace& place, int stream)
@@ -134,13 +145,7 @@ void ImportWorker::import(const Frame& frame) {
   if (status.size >= kLargeMessage) _sender.flush();
   _limits->begin(status.size);
   _place.progress.begin(frame.number);
-  try {
-    answer(frame.number, file, contents);
-  } catch (const std::bad_alloc&) {
-    auto error =
-        ferncaseError(FerncaseImportFailedError, "The importer’s answer takes too much memory.");
-    _sender.add(FrameKind::Failure, frame.number, bytesOfError(error));
-  }
+  answer(frame.number, file, contents);
   _place.progress.end();
 }
 
@@ -155,10 +160,7 @@ void ImportWorker::answer(std::uint64_t number, NSURL* file, NSURL* contents) {
   if (!attributes && !contents && isNotPermitted(error))
     return _sender.add(FrameKind::Denied, number, "");
   if (!attributes) return _sender.add(FrameKind::Failure, number, bytesOfError(error));
-  _bytes.clear();
-  appendValues(_bytes, attributes);
-  _sender.add(FrameKind::Attributes, number, _bytes);
-  if (_bytes.capacity() > kMuchMemory) _bytes = {};
+  _sender.addValues(number, attributes);
 }
 
 }  // namespace

@@ -350,7 +350,7 @@ void ImportsInWorkers::finish(std::uint64_t number, NSError* error) {
 /// Hands over what is done, as far as nothing before it is missing. False after a wish to end.
 bool ImportsInWorkers::handOver(const Take& take) {
   while (!_jobs.empty() && _jobs.front().state == Job::State::Done) {
-    const Job done = std::move(_jobs.front());
+    Job done = std::move(_jobs.front());
     _jobs.pop_front();
     ++_first;
     _heldBytes -= done.bytes.size();
@@ -360,6 +360,7 @@ bool ImportsInWorkers::handOver(const Take& take) {
     auto attributes =
         !error && done.answer == FrameKind::Attributes ? valuesOfBytes(done.bytes) : nullptr;
     if (!attributes && !error) error = errorOfBytes(done.bytes);
+    done.bytes = {};  // the attributes hold it all once more
     if (!attributes && !error) error = endedError("The importer disturbed its process.");
     take(done.input, attributes, error);
     if (Interruption::isWished()) return false;

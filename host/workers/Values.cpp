@@ -32,7 +32,7 @@ enum class Tag : char {
 
 class Writer {
  public:
-  explicit Writer(std::string& bytes) : _bytes(bytes) {}
+  explicit Writer(ByteSink& sink) : _sink(sink) {}
 
   /// Levels are bounded by the check of the answer.
   void value(NSObject* object);
@@ -40,21 +40,39 @@ class Writer {
   void dictionary(NSDictionary* dictionary);
 
  private:
-  void tag(Tag tag) { _bytes += static_cast<char>(tag); }
+  void tag(Tag tag) {
+    const char byte = static_cast<char>(tag);
+    _sink.append({&byte, 1});
+  }
   template <class Number>
   void raw(Number number) {
-    _bytes.append(reinterpret_cast<const char*>(&number), sizeof number);
+    _sink.append({reinterpret_cast<const char*>(&number), sizeof number});
   }
   template <class Element>
   void run(Tag kind, const Element* elements, std::size_t count) {
     tag(kind);
     raw(std::uint64_t{count});
-    _bytes.append(reinterpret_cast<const char*>(elements), count * sizeof(Element));
+    _sink.append({reinterpret_cast<const char*>(elements), count * sizeof(Element)});
   }
   void number(NSNumber* number);
   void array(NSArray* array);
 
+  ByteSink& _sink;
+};
+
+class StringSink final : public ByteSink {
+ public:
+  explicit StringSink(std::string& bytes) : _bytes(bytes) {}
+  void append(std::string_view bytes) override { _bytes.append(bytes); }
+
+ private:
   std::string& _bytes;
+};
+
+class CountingSink final : public ByteSink {
+ public:
+  void append(std::string_view bytes) override { count += bytes.size(); }
+  std::uint64_t count = 0;
 };
 
 void Writer::text(NSString* text) {
@@ -226,7 +244,18 @@ NSString* descriptionName() { return "description"_ns; }
 
 }  // namespace
 
-void appendValues(std::string& bytes, NSDictionary* values) { Writer(bytes).dictionary(values); }
+void writeValues(ByteSink& sink, NSDictionary* values) { Writer(sink).dictionary(values); }
+
+std::uint64_t sizeOfValues(NSDictionary* values) {
+  CountingSink sink;
+  writeValues(sink, values);
+  return sink.count;
+}
+
+void appendValues(std::string& bytes, NSDictionary* values) {
+  StringSink sink(bytes);
+  writeValues(sink, values);
+}
 
 Ref<NSDictionary> valuesOfBytes(std::string_view bytes) { return whole<NSDictionary>(bytes); }
 
@@ -253,7 +282,8 @@ Ref<NSError> errorOfBytes(std::string_view bytes) {
 
 std::string bytesOfText(NSString* text) {
   std::string bytes;
-  Writer(bytes).text(text);
+  StringSink sink(bytes);
+  Writer(sink).text(text);
   return bytes;
 }
 

@@ -6,6 +6,7 @@
 // writing and reading cost little beside an import.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -14,7 +15,21 @@
 
 namespace kbx {
 
-/// Adds a dictionary in which faultInAnswer() finds nothing to the bytes. Raises std::bad_alloc.
+/// Where bytes go, piece by piece.
+class ByteSink {
+ public:
+  virtual void append(std::string_view bytes) = 0;
+
+ protected:
+  ~ByteSink() = default;
+};
+
+/// Writes a dictionary in which faultInAnswer() finds nothing. Long texts are pieces of their own
+/// and not copied.
+void writeValues(ByteSink& sink, NSDictionary* values);
+/// How many bytes writeValues() writes.
+std::uint64_t sizeOfValues(NSDictionary* values);
+/// The same as one piece, behind what is in `bytes`.
 void appendValues(std::string& bytes, NSDictionary* values);
 /// The dictionary in such bytes; absent for any others. Whoever wrote them need not be trusted:
 /// what comes out takes memory in proportion to the bytes, and is at most 512 levels deep.

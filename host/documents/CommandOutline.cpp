@@ -29,6 +29,7 @@ std::vector<std::string> OptionOutline::valueWords() const {
   std::vector<std::string> words;
   if (value == "PLACE") words = {"private", "beside"};
   if (value == "HOW") words = {"process", "none"};
+  if (value == "KEY") words = {"date", "rank", "path"};
   if (value == "ATTRIBUTE")
     std::ranges::transform(knownAttributes(), std::back_inserter(words),
                            [](const KnownAttribute& known) { return std::string(known.name); });

@@ -16,7 +16,8 @@ constexpr std::pair<const char*, const char*> kExitCodes[] = {
 };
 
 constexpr std::pair<const char*, const char*> kVariables[] = {
-    {"XDG_DATA_HOME", "The user's own importers lie in ferncase/Library/Spotlight in it."},
+    {"XDG_DATA_HOME",
+     "The user's store, ferncase/mail.db, and importers, ferncase/Library/Spotlight, lie in it."},
     {"XDG_RUNTIME_DIR", "Where messages are staged; otherwise /dev/shm."},
     {"TMPDIR", "Where messages are staged that are large."},
     {"KBX_SYSTEM_ROOT", "The folder below which the system's importers are looked for."},
@@ -113,6 +114,8 @@ std::string manualPage(std::span<const CommandOutline> commands) {
   for (const CommandOutline& command : commands)
     text += ".TP\n\\fBferncase\\-" + escaped(command.name) + "\\fR(1)\n" + line(command.summary);
   text += section("EXIT STATUS", kExitCodes);
+  text +=
+      ".PP\n" + line("The page of a command tells where it means something else by one of them.");
   return text + section("ENVIRONMENT", kVariables);
 }
 

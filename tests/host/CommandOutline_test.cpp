@@ -4,7 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
+
+#include "host/CommandLine.h"
 
 namespace kbx {
 namespace {
@@ -73,6 +74,27 @@ TEST(CommandOutline, EveryOptionOfEveryCommandIsDescribed) {
       EXPECT_FALSE(option.description.ends_with('.')) << command.name << " " << option.names.back();
     }
   }
+}
+
+/// What the command answers to this value of its option, with nothing to work on.
+ExitCode answerTo(const CommandOutline& command, const OptionOutline& option,
+                  const std::string& word) {
+  StringOutput output, complaints;
+  Diagnostics diagnostics(complaints);
+  Console console{output, diagnostics};
+  std::vector<std::string> arguments{command.name, option.names.back() + "=" + word, "/gone"};
+  if (command.name == "import") arguments.push_back("--importer=/gone");
+  if (command.name == "search" || command.name == "index")
+    arguments.push_back("--db=/gone/mail.db");
+  return runCommandLine(arguments, console);
+}
+
+TEST(CommandOutline, EveryWordThatIsListedForAValueIsAccepted) {
+  for (const auto& command : allOutlines())
+    for (const auto& option : command.options)
+      for (const auto& word : option.valueWords())
+        EXPECT_NE(answerTo(command, option, word), kMisused)
+            << command.name << " " << option.names.back() << " " << word;
 }
 
 }  // namespace

@@ -26,10 +26,11 @@ bool isSmallLetter(char c) { return c >= 'a' && c <= 'z'; }
 }  // namespace
 
 std::vector<std::string> OptionOutline::valueWords() const {
+  if (value == "PLACE") return {"private", "beside"};
+  if (value == "HOW") return {"process", "none"};
+  if (value == "KEY") return {"date", "rank", "path"};
+  if (value == "FORMAT") return {"ndjson", "bulk", "mbox"};
   std::vector<std::string> words;
-  if (value == "PLACE") words = {"private", "beside"};
-  if (value == "HOW") words = {"process", "none"};
-  if (value == "KEY") words = {"date", "rank", "path"};
   if (value == "ATTRIBUTE")
     std::ranges::transform(knownAttributes(), std::back_inserter(words),
                            [](const KnownAttribute& known) { return std::string(known.name); });

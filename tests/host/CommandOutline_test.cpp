@@ -84,8 +84,8 @@ ExitCode answerTo(const CommandOutline& command, const OptionOutline& option,
   Console console{output, diagnostics};
   std::vector<std::string> arguments{command.name, option.names.back() + "=" + word, "/gone"};
   if (command.name == "import") arguments.push_back("--importer=/gone");
-  if (command.name == "search" || command.name == "index")
-    arguments.push_back("--db=/gone/mail.db");
+  for (const auto& other : command.options)
+    if (other.names.back() == "--db") arguments.push_back("--db=/gone/mail.db");
   return runCommandLine(arguments, console);
 }
 

@@ -60,7 +60,7 @@ CREATE VIRTUAL TABLE word USING fts5 (
   content='message', content_rowid='id', tokenize='ferncase'
 );
 -- Words gather in memory until a transaction ends or they have this size. The default of 1 MiB
--- makes so many small segments of a large transaction that merging them takes half of the time.
+-- makes so many small segments of a large transaction that merging them takes a third of the time.
 INSERT INTO word (word, rank) VALUES ('hashsize', 33554432);
 )sql";
 

@@ -55,7 +55,7 @@ QueryNode parseQuery(std::string_view text) {
   if (text.size() > kLongestQuery)
     throw QueryFault("the query has more than " + std::to_string(kLongestQuery) + " bytes", 0, 1);
   if (text.find_first_not_of(kBlanks) == std::string_view::npos)
-    throw QueryFault("the query is empty", 0, 1, "*");
+    throw QueryFault("the query is empty", 0, 0, "*");
   return isAttributeQuery(text) ? parseAttributeQuery(text) : parseWordQuery(text);
 }
 

@@ -25,7 +25,7 @@ import threading
 import time
 
 WORD, PHRASE, SENDER, SUBJECT = "invoice", "the message", "harbour.example", "and"
-DAYS = ("2025-01-10", "2025-01-31")
+DAYS = ("2024-01-01", "2024-12-31")
 
 
 class Memory:

@@ -11,8 +11,8 @@ constexpr std::uint64_t kBitsForEach = 64;  // as much memory as the list has
 
 IdSet::IdSet(std::vector<std::int64_t> ids) : _ids(std::move(ids)) {
   if (!std::ranges::is_sorted(_ids)) std::ranges::sort(_ids);
-  const auto repeated = std::ranges::unique(_ids);
-  _ids.erase(repeated.begin(), repeated.end());
+  // Not by a range: clang 14 cannot read the library's.
+  _ids.erase(std::unique(_ids.begin(), _ids.end()), _ids.end());
   if (_ids.empty()) return;
   const auto first = static_cast<std::uint64_t>(_ids.front());
   const std::uint64_t range = static_cast<std::uint64_t>(_ids.back()) - first;

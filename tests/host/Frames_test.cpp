@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace kbx {
 namespace {
@@ -56,6 +59,27 @@ TEST(Frames, TwoTextsArePartedByANul) {
   EXPECT_EQ(textPairIn(bytesOfTextPair("/a", "")).second, "");
   EXPECT_EQ(textPairIn("/a").first, "/a");
   EXPECT_EQ(textPairIn("").first, "");
+}
+
+TEST(Frames, ALongFrameComesWholeInPiecesAndOthersBehindIt) {
+  const std::string content(5000001, 'x');
+  std::string stream;
+  appendFrameHead(stream, FrameKind::Attributes, 7, content.size());
+  stream += content;
+  appendFrame(stream, FrameKind::Failure, 8, "short");
+  FrameReader reader;
+  std::vector<std::pair<std::uint64_t, std::string>> frames;
+  for (std::string_view rest = stream; !rest.empty();) {
+    const auto room = reader.room(1 << 16);
+    const std::size_t count = std::min(room.size(), rest.size());
+    std::ranges::copy(rest.substr(0, count), room.begin());
+    rest.remove_prefix(count);
+    reader.added(count);
+    while (auto frame = reader.next()) frames.emplace_back(frame->number, frame->bytes);
+  }
+  ASSERT_EQ(frames.size(), 2u);
+  EXPECT_EQ(frames[0], (std::pair{std::uint64_t{7}, content}));
+  EXPECT_EQ(frames[1], (std::pair{std::uint64_t{8}, std::string("short")}));
 }
 
 }  // namespace

@@ -297,6 +297,8 @@ def main():
         for name, program in programs.items():
             print(f"measuring {name}", file=sys.stderr)
             measure(program, box, options, results[name])
+            print(", ".join(f"{row} {value:.3g}" for row, value in results[name].items()),
+                  file=sys.stderr)
         changes = []
         for seed in range(2, 2 + min(options.runs, 3)):
             replace_some(box, options.count, os.path.abspath(options.generate), folder, seed)

@@ -8,8 +8,8 @@
 #include <fstream>
 #include <string>
 
-#include "mail/EMLXFile.h"
 #include "platform/files/NSURL.h"
+#include "platform/messages/EMLXFile.h"
 
 namespace kbx {
 namespace {

@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "mail/Attributes.h"
-#include "mail/EMLXFile.h"
 #include "mail/MessageReader.h"
 #include "mail/TextDecoder.h"
+#include "platform/messages/EMLXFile.h"
 
 namespace kbx {
 

@@ -3,9 +3,9 @@
 #include <memory>
 
 #include "host/export/MboxText.h"
-#include "mail/EMLXFile.h"
 #include "platform/files/FileErrors.h"
 #include "platform/files/FileSystem.h"
+#include "platform/messages/EMLXFile.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSDate.h"
 #include "platform/text/ASCII.h"

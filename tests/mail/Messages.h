@@ -8,17 +8,11 @@
 #include "mail/ImportMessage.h"
 #include "mail/MessageReader.h"
 #include "platform/objects/NSArray.h"
+#include "tests/support/EMLX.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Text.h"
 
 namespace kbx {
-
-inline constexpr std::string_view kEmptyList = "<plist version=\"1.0\"><dict/></plist>\n";
-
-/// The bytes of an .emlx file.
-inline std::string emlx(std::string_view message, std::string_view list = kEmptyList) {
-  return std::to_string(message.size()) + "\n" + std::string(message) + std::string(list);
-}
 
 /// The attributes of a file with these bytes.
 inline Ref<NSMutableDictionary> attributesOfFile(std::string_view bytes) {

@@ -1,12 +1,14 @@
-#include "mail/EMLXFile.h"
+#include "platform/messages/EMLXFile.h"
 
 #include <gtest/gtest.h>
 
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSError.h"
 #include "platform/propertylists/NSPropertyListSerialization.h"
-#include "tests/mail/Messages.h"
+#include "tests/support/EMLX.h"
 #include "tests/support/FailingFiles.h"
+#include "tests/support/TemporaryFolder.h"
+#include "tests/support/Text.h"
 
 namespace kbx {
 namespace {

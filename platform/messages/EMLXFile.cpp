@@ -1,4 +1,4 @@
-#include "mail/EMLXFile.h"
+#include "platform/messages/EMLXFile.h"
 
 #include <algorithm>
 #include <charconv>

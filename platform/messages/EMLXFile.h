@@ -5,6 +5,7 @@
 #include <memory>
 #include <string_view>
 
+#include "platform/Export.h"
 #include "platform/files/NSURL.h"
 #include "platform/files/ReadableFile.h"
 #include "platform/objects/NSDictionary.h"
@@ -16,7 +17,7 @@ namespace kbx {
 ///
 /// The line may have blanks behind the count. A file without a count line is a message alone; one
 /// that is shorter than it says ends early, and then has no list.
-class EMLXFile {
+class KBX_PLATFORM EMLXFile {
  public:
   /// Opens the file. Fails as ReadableFile does.
   EMLXFile(NSURL* url, Ref<NSError>* error);

@@ -56,6 +56,7 @@ function(ferncase_add_tests name)
   # One label only: a list does not survive the way through the discovery's own script.
   gtest_discover_tests(${name}
     TEST_PREFIX ${room}.
+    NO_PRETTY_VALUES
     DISCOVERY_MODE PRE_TEST
     DISCOVERY_TIMEOUT 60
     PROPERTIES LABELS ${label} TIMEOUT 120)

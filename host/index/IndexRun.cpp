@@ -1,5 +1,6 @@
 #include "host/index/IndexRun.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <map>
 #include <utility>
@@ -31,8 +32,11 @@ FileState doubtful(FileState state) {
   return state;
 }
 
+/// Now, or the farthest time that can be written down, with room for the step of a clock.
 std::int64_t nanosecondsSince1970() {
-  return static_cast<std::int64_t>(Clock::current().secondsSince1970() * kNanosecondsPerSecond);
+  constexpr double kFarthest = 9.2e18;
+  const double now = Clock::current().secondsSince1970() * kNanosecondsPerSecond;
+  return static_cast<std::int64_t>(std::clamp(now, -kFarthest, kFarthest));
 }
 
 /// What to remember of a state: a file that has changed this very moment may change once more and

@@ -58,10 +58,22 @@ TEST(Values, ANumberKeepsItsKind) {
       std::isnan(cast<NSNumber>(thereAndBack(NSNumber::numberWithDouble(nan)))->doubleValue()));
 }
 
+/// A dictionary with one key, and arrays in arrays for its value. No writer goes so deep.
+std::string bytesOfLevels(int levels) {
+  const auto tagged = [](char tag) {
+    const std::uint64_t one = 1;
+    return tag + std::string(reinterpret_cast<const char*>(&one), sizeof one);
+  };
+  std::string bytes = tagged('m') + tagged('c') + "k";
+  for (int level = 0; level < levels; ++level) bytes += tagged('a');
+  return bytes + "n";
+}
+
 TEST(Values, LevelsEndWhereThoseOfPropertyListsDo) {
   EXPECT_TRUE(thereAndBack(nested(511)));
   EXPECT_FALSE(thereAndBack(nested(512)));
-  EXPECT_FALSE(thereAndBack(nested(20'000)));
+  EXPECT_TRUE(valuesOfBytes(bytesOfLevels(500)));
+  EXPECT_FALSE(valuesOfBytes(bytesOfLevels(20'000)));
 }
 
 TEST(Values, BytesThatAreCutOffOrGoOnAreRefused) {

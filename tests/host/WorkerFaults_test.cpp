@@ -8,6 +8,7 @@
 #include <set>
 
 #include "tests/support/Process.h"
+#include "tests/support/Sanitizers.h"
 
 namespace kbx {
 namespace {
@@ -18,12 +19,6 @@ using testing::HasSubstr;
 using testing::Not;
 
 const char kImporter[] = FERNCASE_SPOTLIGHT_DIR "/FerncaseSpotlightImporter.mdimporter";
-
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kIsSanitized = true;
-#else
-constexpr bool kIsSanitized = false;
-#endif
 
 class WorkerFaultsTest : public testing::Test {
  protected:

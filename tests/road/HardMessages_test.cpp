@@ -13,16 +13,13 @@
 
 #include "tests/generators/HardMessages.h"
 #include "tests/support/Process.h"
+#include "tests/support/Sanitizers.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kbx {
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kIsMemoryTelling = false;  // a sanitizer's own memory is many times ours
-#else
-constexpr bool kIsMemoryTelling = true;
-#endif
+constexpr bool kIsMemoryTelling = !kIsSanitized;  // its own memory is many times ours
 
 constexpr double kQuickScale = 0.2;
 constexpr double kMostSeconds = 2;  // of CPU, at full size

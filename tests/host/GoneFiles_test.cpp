@@ -34,7 +34,7 @@ TEST(GoneFiles, AnotherChangeTimeLetsTheContentTell) {
        {std::pair<std::optional<ContentHash>, bool>{1, true}, {2, false}, {std::nullopt, false}}) {
     GoneFiles gone;
     gone.add(known("/a", kState, 1));
-    EXPECT_EQ(gone.take(renamed, [&] { return hash; }).has_value(), isFound);
+    EXPECT_EQ(gone.take(renamed, [hash = hash] { return hash; }).has_value(), isFound);
   }
 }
 

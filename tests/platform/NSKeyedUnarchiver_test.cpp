@@ -366,7 +366,7 @@ TEST(NSKeyedUnarchiver, PartsThatManyObjectsShareMakeNoLargeObjects) {
         {"NSString", "NS.bytes", data(longText)},
         {"NSURL", "NS.relative", string("file:///" + longText)}}) {
     EXPECT_EQ(faultOfSharing(className, value,
-                             [&](auto place) {
+                             [part = part](auto place) {
                                return parts({{part, place}});
                              }),
               "shared parts make too large objects")

@@ -175,7 +175,7 @@ TEST(NSString, LongTextIsTheSameInEveryForm) {
   EXPECT_EQ(kept()->hash(), expected->hash());
   EXPECT_EQ(kept()->compare(expected), NSOrderedSame);
   EXPECT_TRUE(kept()->hasPrefix(expected) && expected->hasSuffix(kept()));
-  EXPECT_EQ(expected->rangeOfString(kept()), NSRange(0, expected->length()));
+  EXPECT_EQ(expected->rangeOfString(kept()), (NSRange{0, expected->length()}));
   EXPECT_TRUE(kept()->hasPrefix(kept()) && kept()->hasPrefix(string(bytes.substr(0, 3))));
   EXPECT_FALSE(kept()->hasPrefix(string("x")) || kept()->hasPrefix(""_ns));
   EXPECT_FALSE(kept()->hasPrefix(NSString::stringWithUTF8(data(bytes + "x").get())));

@@ -75,28 +75,25 @@ bool add(scmp_filter_ctx filter, std::uint32_t action, int call) {
   return failure == 0 || failure == -EDOM || failure == -EINVAL;
 }
 
-template <class... Conditions>
-bool addWhere(scmp_filter_ctx filter, std::uint32_t action, int call, Conditions... conditions) {
-  return ::seccomp_rule_add(filter, action, call, sizeof...(conditions), conditions...) == 0;
+/// Written out, since the library's own macros for conditions are no C++.
+bool refuseWhere(scmp_filter_ctx filter, int call, const scmp_arg_cmp& condition) {
+  return ::seccomp_rule_add_array(filter, SCMP_ACT_ERRNO(EPERM), call, 1, &condition) == 0;
 }
 
 /// Threads may be made, processes not; signals go to the own process alone; nothing is typed into
 /// the terminal.
 bool addPartlyAllowed(scmp_filter_ctx filter) {
-  const std::uint32_t refuse = SCMP_ACT_ERRNO(EPERM);
   const auto self = static_cast<scmp_datum_t>(::getpid());
+  constexpr scmp_datum_t kInteger = 0xFFFFFFFF;  // the kernel looks at no more of a request
   // The newer call hides what it asks for behind a pointer; without it the C library takes the
   // other.
   return ::seccomp_rule_add(filter, SCMP_ACT_ERRNO(ENOSYS), SCMP_SYS(clone3), 0) == 0 &&
-         addWhere(filter, refuse, SCMP_SYS(clone),
-                  SCMP_A0_64(SCMP_CMP_MASKED_EQ, CLONE_THREAD, 0)) &&
-         addWhere(filter, refuse, SCMP_SYS(kill), SCMP_A0_64(SCMP_CMP_NE, self)) &&
-         addWhere(filter, refuse, SCMP_SYS(tgkill), SCMP_A0_64(SCMP_CMP_NE, self)) &&
-         addWhere(filter, refuse, SCMP_SYS(prlimit64), SCMP_A0_64(SCMP_CMP_NE, 0)) &&
-         addWhere(filter, refuse, SCMP_SYS(ioctl),
-                  SCMP_A1_64(SCMP_CMP_MASKED_EQ, 0xFFFFFFFF, TIOCSTI)) &&
-         addWhere(filter, refuse, SCMP_SYS(ioctl),
-                  SCMP_A1_64(SCMP_CMP_MASKED_EQ, 0xFFFFFFFF, TIOCLINUX));
+         refuseWhere(filter, SCMP_SYS(clone), {0, SCMP_CMP_MASKED_EQ, CLONE_THREAD, 0}) &&
+         refuseWhere(filter, SCMP_SYS(kill), {0, SCMP_CMP_NE, self, 0}) &&
+         refuseWhere(filter, SCMP_SYS(tgkill), {0, SCMP_CMP_NE, self, 0}) &&
+         refuseWhere(filter, SCMP_SYS(prlimit64), {0, SCMP_CMP_NE, 0, 0}) &&
+         refuseWhere(filter, SCMP_SYS(ioctl), {1, SCMP_CMP_MASKED_EQ, kInteger, TIOCSTI}) &&
+         refuseWhere(filter, SCMP_SYS(ioctl), {1, SCMP_CMP_MASKED_EQ, kInteger, TIOCLINUX});
 }
 
 bool fill(scmp_filter_ctx filter) {

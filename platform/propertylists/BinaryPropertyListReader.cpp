@@ -21,6 +21,9 @@ constexpr std::uint64_t kFreeValues = 250'000;
 constexpr std::uint64_t kValuesPerByte = 4;
 constexpr std::uint64_t kFreeContent = 16'000'000;
 constexpr std::uint64_t kContentPerByte = 1024;
+/// What one more copy of a container counts, in values: an empty one takes some hundred bytes,
+/// and a single byte refers to it.
+constexpr std::uint64_t kValuesOfCopy = 16;
 
 template <std::size_t size>
 std::uint64_t wordOf(const char* bytes) {
@@ -352,8 +355,10 @@ Ref<NSObject> Reader::anyObject(std::uint64_t index, std::size_t level) {
   Known& known = _known[index];
   if (known.isMet && !known.value) return fail("a container that holds itself", at);
   if (known.value && !(_isMutable && known.height > 0)) return sharedObject(known, at, level);
+  const bool isCopy = known.isMet;
   known = {.isMet = true};
   const Cost before = _spent;
+  if (isCopy && !spend({kValuesOfCopy, 0}, at)) return nullptr;
   const std::size_t deepestBefore = std::exchange(_deepest, level);
   auto value = objectAt(at, level);
   remember(known, value, _deepest - level,

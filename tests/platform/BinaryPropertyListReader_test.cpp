@@ -245,6 +245,17 @@ TEST(BinaryPropertyListReader, ASmallFileCannotUnfoldIntoAHugeList) {
   EXPECT_NE(faultOf(longText).find(text), std::string::npos);
 }
 
+TEST(BinaryPropertyListReader, AByteForEachCopyOfAContainerBuysFewOfThem) {
+  const auto copies = [](unsigned count) {
+    return File{{"\xAF\x12" + word(count, 4) + std::string(count, '\x01'), "\xD0"}, 4};
+  };
+  const NSPropertyListReadOptions options = NSPropertyListMutableContainers;
+  EXPECT_TRUE(read(copies(15'000).bytes(), nullptr, options));
+  EXPECT_FALSE(read(copies(500'000).bytes(), nullptr, options));
+  // Where nothing may change, all places have the same one.
+  EXPECT_TRUE(read(copies(500'000).bytes()));
+}
+
 TEST(BinaryPropertyListReader, SharingCannotHideLevels) {
   // Each array holds the one before, and the top holds all of them, the shallowest first.
   File file;

@@ -8,6 +8,7 @@
 #include <set>
 
 #include "host/workers/Sandbox.h"
+#include "tests/support/JSONLines.h"
 #include "tests/support/Process.h"
 #include "tests/support/Sanitizers.h"
 
@@ -43,12 +44,6 @@ class WorkerFaultsTest : public testing::Test {
         .variable("ASAN_OPTIONS=handle_segv=0:handle_abort=0:detect_leaks=0")
         .run();
   }
-  static std::vector<json> lines(const std::string& output) {
-    std::vector<json> found;
-    std::istringstream stream(output);
-    for (std::string line; std::getline(stream, line);) found.push_back(json::parse(line));
-    return found;
-  }
   /// Imports messages before and after a bad one; what is told of the bad one, which must be the
   /// only failure.
   std::string failureAmongOthers(const std::string& test, std::vector<std::string> options = {}) {
@@ -56,7 +51,7 @@ class WorkerFaultsTest : public testing::Test {
     options.push_back("mail");
     const auto finished = run(options);
     EXPECT_EQ(finished.exitCode, 3) << finished.complaints;
-    const auto results = lines(finished.output);
+    const auto results = jsonLines(finished.output);
     EXPECT_EQ(results.size(), 9u);
     std::string reason;
     for (std::size_t i = 0; i < results.size(); ++i) {
@@ -76,7 +71,7 @@ class WorkerFaultsTest : public testing::Test {
     options.push_back("mail/a.eml");
     const auto finished = run(options);
     EXPECT_EQ(finished.exitCode, 0) << finished.complaints;
-    return lines(finished.output).at(0).at("attributes").at("TestMailFailure").get<int>();
+    return jsonLines(finished.output).at(0).at("attributes").at("TestMailFailure").get<int>();
   }
 
   TemporaryFolder _folder;
@@ -129,8 +124,8 @@ TEST_F(WorkerFaultsTest, EveryMessageMayBeBad) {
   for (int i = 0; i < 20; ++i) write(std::to_string(i + 10), i % 2 ? "exit" : "crash");
   const auto finished = run({"mail"});
   EXPECT_EQ(finished.exitCode, 4);
-  EXPECT_EQ(lines(finished.output).size(), 20u);
-  for (const auto& result : lines(finished.output)) EXPECT_TRUE(result.contains("error"));
+  EXPECT_EQ(jsonLines(finished.output).size(), 20u);
+  for (const auto& result : jsonLines(finished.output)) EXPECT_TRUE(result.contains("error"));
 }
 
 TEST_F(WorkerFaultsTest, OtherFilesCannotBeReadOrMade) {
@@ -168,7 +163,7 @@ TEST_F(WorkerFaultsTest, WhatOnlyAnAttackerDoesEndsTheWorker) {
 TEST_F(WorkerFaultsTest, WhatAnImporterPrintsIsNoOutput) {
   write("a", "chatter");
   const auto finished = run({"mail/a.eml"});
-  EXPECT_EQ(lines(finished.output).size(), 1u);
+  EXPECT_EQ(jsonLines(finished.output).size(), 1u);
   EXPECT_EQ(finished.complaints, "");
 }
 
@@ -192,7 +187,7 @@ TEST_F(WorkerFaultsTest, ALinkLeadsToItsMessageWhereverThatLies) {
     SCOPED_TRACE(place);
     const auto finished = run({place, "mail"});
     EXPECT_EQ(finished.exitCode, 0) << finished.complaints;
-    const auto results = lines(finished.output);
+    const auto results = jsonLines(finished.output);
     EXPECT_EQ(results.at(0).at("path"), "mail/link.eml");
     const auto& attributes = results.at(0).at("attributes");
     EXPECT_EQ(attributes.at("kMDItemSubject"), "far");
@@ -211,7 +206,7 @@ TEST_F(WorkerFaultsTest, MoreFilesThanRulesAreImported) {
   _folder.write("list", list);
   const auto finished = run({"--files-from", "list"});
   EXPECT_EQ(finished.exitCode, 0) << finished.complaints;
-  const auto results = lines(finished.output);
+  const auto results = jsonLines(finished.output);
   ASSERT_EQ(results.size(), 1100u);
   for (std::size_t i = 0; i < results.size(); ++i)
     ASSERT_EQ(results[i].at("attributes").at("kMDItemSubject"), std::to_string(i));

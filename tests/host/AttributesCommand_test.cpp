@@ -4,18 +4,16 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/CommandLine.h"
 #include "host/results/KnownAttributes.h"
+#include "tests/support/CommandRun.h"
 
 namespace kbx {
 namespace {
 
 std::string outputOf(const std::vector<std::string>& arguments) {
-  StringOutput output, complaints;
-  Diagnostics diagnostics(complaints);
-  Console console{output, diagnostics};
-  EXPECT_EQ(runCommandLine(arguments, console), kDone);
-  return output.text();
+  const auto [code, output, complaints] = answerTo(arguments);
+  EXPECT_EQ(code, kDone);
+  return output;
 }
 
 TEST(AttributesCommand, ColumnsAreAligned) {

@@ -2,24 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/support/CommandRun.h"
 #include "tests/support/TemporaryPreferences.h"
 #include "tests/support/Text.h"
 
 namespace kbx {
 namespace {
-
-struct Answer {
-  ExitCode code;
-  std::string output, complaints;
-};
-
-Answer run(const std::vector<std::string>& arguments) {
-  StringOutput output, complaints;
-  Diagnostics diagnostics(complaints);
-  Console console{output, diagnostics};
-  const ExitCode code = runCommandLine(arguments, console);
-  return {code, output.text(), complaints.text()};
-}
 
 TEST(CommandLine, HelpThatIsAskedForIsOutput) {
   for (std::vector<std::string> arguments : {std::vector<std::string>{"--help"},
@@ -30,7 +18,7 @@ TEST(CommandLine, HelpThatIsAskedForIsOutput) {
                                              {"help", "import"},
                                              {"--help", "import"},
                                              {"import", "help", "-h"}}) {
-    auto [code, output, complaints] = run(arguments);
+    auto [code, output, complaints] = answerTo(arguments);
     EXPECT_EQ(code, kDone);
     EXPECT_NE(output.find("Usage: ferncase"), std::string::npos);
     EXPECT_EQ(complaints, "");
@@ -38,17 +26,17 @@ TEST(CommandLine, HelpThatIsAskedForIsOutput) {
 }
 
 TEST(CommandLine, TheGeneralHelpListsTheCommands) {
-  EXPECT_NE(run({"--help"}).output.find("\n  import      Print"), std::string::npos);
-  EXPECT_NE(run({"--help"}).output.find("\n  defaults    Read"), std::string::npos);
+  EXPECT_NE(answerTo({"--help"}).output.find("\n  import      Print"), std::string::npos);
+  EXPECT_NE(answerTo({"--help"}).output.find("\n  defaults    Read"), std::string::npos);
 }
 
 TEST(CommandLine, HelpForACommandIsThatOfTheCommand) {
   for (auto word : {"help", "--help", "-h"})
-    EXPECT_EQ(run({word, "import"}).output, run({"import", "--help"}).output);
+    EXPECT_EQ(answerTo({word, "import"}).output, answerTo({"import", "--help"}).output);
 }
 
 TEST(CommandLine, BehindTheMarkNothingIsAnOption) {
-  auto answer = run({"import", "--importer=/gone", "--", "--json=false", "--name="});
+  auto answer = answerTo({"import", "--importer=/gone", "--", "--json=false", "--name="});
   EXPECT_EQ(answer.code, kNoneDelivered);
   EXPECT_EQ(answer.complaints, "ferncase: /gone: No such file or directory: /gone\n");
 }
@@ -56,17 +44,17 @@ TEST(CommandLine, BehindTheMarkNothingIsAnOption) {
 TEST(CommandLine, ADashAndACapitalLetterBeginADefaultOfThisRun) {
   TemporaryPreferences preferences;
   auto* defaults = NSUserDefaults::standardUserDefaults();
-  run({"import", "-First", "-5", "-v", "-Second", "two words", "--importer", "/gone", "a", "--",
-       "-Third", "x"});
+  answerTo({"import", "-First", "-5", "-v", "-Second", "two words", "--importer", "/gone", "a",
+            "--", "-Third", "x"});
   EXPECT_EQ(defaults->integerForKey("First"_ns), -5);
   EXPECT_EQ(text(defaults->stringForKey("Second"_ns)), "two words");
   EXPECT_EQ(defaults->volatileDomainForName(NSArgumentDomain())->count(), 2u);
-  run({"import", "--importer", "/gone", "a"});
+  answerTo({"import", "--importer", "/gone", "a"});
   EXPECT_FALSE(defaults->objectForKey("First"_ns));
 }
 
 TEST(CommandLine, TheVersionIsOneLine) {
-  auto [code, output, complaints] = run({"--version"});
+  auto [code, output, complaints] = answerTo({"--version"});
   EXPECT_EQ(code, kDone);
   EXPECT_TRUE(output.starts_with("ferncase 0."));
   EXPECT_EQ(output.find('\n'), output.size() - 1);
@@ -74,7 +62,7 @@ TEST(CommandLine, TheVersionIsOneLine) {
 }
 
 TEST(CommandLine, NoArgumentsAreAnsweredWithHelpThatIsNoOutput) {
-  auto [code, output, complaints] = run({});
+  auto [code, output, complaints] = answerTo({});
   EXPECT_EQ(code, kMisused);
   EXPECT_EQ(output, "");
   EXPECT_NE(complaints.find("Usage: ferncase"), std::string::npos);
@@ -129,7 +117,7 @@ TEST(CommandLine, WrongUsageIsToldWithAHint) {
         {{"import", "-", "--files-from=-"}, "standard input can be read once", "import --help"},
         {{"help", "frob"}, "unknown command frob", "--help"},
         {{"import", "--stage=nowhere", "a"}, "--stage is private or beside", "import --help"}}) {
-    auto answer = run(arguments);
+    auto answer = answerTo(arguments);
     EXPECT_EQ(answer.code, kMisused);
     EXPECT_EQ(answer.output, "");
     EXPECT_EQ(answer.complaints, std::string("ferncase: ") + complaint +

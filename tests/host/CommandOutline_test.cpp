@@ -5,7 +5,7 @@
 
 #include <CLI/CLI.hpp>
 
-#include "host/CommandLine.h"
+#include "tests/support/CommandRun.h"
 
 namespace kbx {
 namespace {
@@ -77,23 +77,20 @@ TEST(CommandOutline, EveryOptionOfEveryCommandIsDescribed) {
 }
 
 /// What the command answers to this value of its option, with nothing to work on.
-ExitCode answerTo(const CommandOutline& command, const OptionOutline& option,
-                  const std::string& word) {
-  StringOutput output, complaints;
-  Diagnostics diagnostics(complaints);
-  Console console{output, diagnostics};
+ExitCode codeOf(const CommandOutline& command, const OptionOutline& option,
+                const std::string& word) {
   std::vector<std::string> arguments{command.name, option.names.back() + "=" + word, "/gone"};
   if (command.name == "import") arguments.push_back("--importer=/gone");
   for (const auto& other : command.options)
     if (other.names.back() == "--db") arguments.push_back("--db=/gone/mail.db");
-  return runCommandLine(arguments, console);
+  return answerTo(arguments).code;
 }
 
 TEST(CommandOutline, EveryWordThatIsListedForAValueIsAccepted) {
   for (const auto& command : allOutlines())
     for (const auto& option : command.options)
       for (const auto& word : option.valueWords())
-        EXPECT_NE(answerTo(command, option, word), kMisused)
+        EXPECT_NE(codeOf(command, option, word), kMisused)
             << command.name << " " << option.names.back() << " " << word;
 }
 

@@ -9,6 +9,7 @@
 #include "host/store/Store.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSDate.h"
+#include "tests/support/JSONLines.h"
 #include "tests/support/Process.h"
 
 namespace kbx {
@@ -20,11 +21,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 
 constexpr char kPython[] = "/usr/bin/python3";
-
-struct Answer {
-  int exitCode;
-  std::string output, complaints;
-};
 
 class ExportCommandTest : public testing::Test {
  protected:
@@ -49,17 +45,10 @@ class ExportCommandTest : public testing::Test {
     ASSERT_TRUE(store->put(path(name), {}, "", attributes, &error));
   }
   std::string path(std::string_view name) const { return (_mail / name).string(); }
-  Answer run(std::vector<std::string> arguments) const {
+  Finished run(std::vector<std::string> arguments) const {
     arguments.insert(arguments.begin(),
                      {FERNCASE_BINARY, "export", "--db", (_folder / "mail.db").string()});
-    auto finished = Process(std::move(arguments)).folder(_folder.path()).run();
-    return {finished.exitCode, finished.output, finished.complaints};
-  }
-  static std::vector<json> lines(const std::string& output) {
-    std::vector<json> found;
-    std::istringstream stream(output);
-    for (std::string line; std::getline(stream, line);) found.push_back(json::parse(line));
-    return found;
+    return Process(std::move(arguments)).folder(_folder.path()).run();
   }
   /// What a Python program prints that reads the file "out".
   std::string python(const std::string& program) const {
@@ -76,7 +65,7 @@ TEST_F(ExportCommandTest, EverythingIsOneObjectALineWithAllAttributes) {
   auto [code, output, complaints] = run({});
   EXPECT_EQ(code, 0);
   EXPECT_EQ(complaints, "");
-  const auto messages = lines(output);
+  const auto messages = jsonLines(output);
   ASSERT_EQ(messages.size(), 3u);
   EXPECT_EQ(messages[0], (json{{"path", path("a.eml")},
                                {"attributes",
@@ -88,10 +77,10 @@ TEST_F(ExportCommandTest, EverythingIsOneObjectALineWithAllAttributes) {
 }
 
 TEST_F(ExportCommandTest, AQueryChoosesTheMessages) {
-  const auto messages = lines(run({"subject:wrapped", "OR", "subject:plain"}).output);
+  const auto messages = jsonLines(run({"subject:wrapped", "OR", "subject:plain"}).output);
   ASSERT_EQ(messages.size(), 2u);
   EXPECT_EQ(messages[0].at("path"), path("b.emlx"));
-  EXPECT_EQ(lines(run({"-plans"}).output).size(), 2u);
+  EXPECT_EQ(jsonLines(run({"-plans"}).output).size(), 2u);
   EXPECT_EQ(run({"nothing"}).exitCode, 1);
   auto [code, output, complaints] = run({"form:ada"});
   EXPECT_EQ(code, 2);
@@ -99,7 +88,7 @@ TEST_F(ExportCommandTest, AQueryChoosesTheMessages) {
 }
 
 TEST_F(ExportCommandTest, BulkHasAnActionAndADocumentForEach) {
-  const auto both = lines(run({"--format", "bulk", "--index", "post", "plans"}).output);
+  const auto both = jsonLines(run({"--format", "bulk", "--index", "post", "plans"}).output);
   ASSERT_EQ(both.size(), 2u);
   EXPECT_EQ(both[0].at("index").at("_index"), "post");
   EXPECT_TRUE(both[0].at("index").at("_id").is_string());
@@ -155,7 +144,7 @@ TEST_F(ExportCommandTest, AFileIsThereWhenItIsCompleteOrNotAtAll) {
   EXPECT_EQ(run({"-o", "out", "nothing"}).exitCode, 1);
   EXPECT_EQ(_folder.read("out"), "old");
   EXPECT_EQ(run({"-o", "out", "plans"}).exitCode, 0);
-  EXPECT_EQ(lines(_folder.read("out")).size(), 1u);
+  EXPECT_EQ(jsonLines(_folder.read("out")).size(), 1u);
   auto [code, output, complaints] = run({"-o", "gone/out"});
   EXPECT_EQ(code, 1);
   EXPECT_THAT(complaints, HasSubstr("gone/out: "));

@@ -4,8 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "host/CommandLine.h"
 #include "tests/support/Bundles.h"
+#include "tests/support/CommandRun.h"
 #include "tests/support/FakeEnvironment.h"
 
 namespace kbx {
@@ -26,12 +26,10 @@ class ImportersCommandTest : public testing::Test {
     FakeEnvironment environment({"XDG_DATA_HOME=" + (_folder / "data").string(),
                                  "KBX_SYSTEM_ROOT=" + _folder.path().string()});
     ScopedService<Environment> installed(environment);
-    StringOutput output, complaints;
-    Diagnostics diagnostics(complaints);
-    Console console{output, diagnostics};
     arguments.insert(arguments.begin(), "importers");
-    _code = runCommandLine(arguments, console);
-    return output.text();
+    auto [code, output, complaints] = answerTo(arguments);
+    _code = code;
+    return output;
   }
 
   TemporaryFolder _folder;

@@ -5,7 +5,7 @@
 #include <nlohmann/json.hpp>
 #include <string>
 
-#include "host/CommandLine.h"
+#include "tests/support/CommandRun.h"
 #include "tests/support/FakeEnvironment.h"
 #include "tests/support/FakeLocalTime.h"
 #include "tests/support/MailStore.h"
@@ -17,13 +17,11 @@ class SearchCommandTest : public testing::Test {
  protected:
   /// What the command prints; its complaints are in _complaints.
   std::string search(std::vector<std::string> arguments) {
-    StringOutput output, complaints;
-    Diagnostics diagnostics(complaints);
-    Console console{output, diagnostics};
     arguments.insert(arguments.begin(), {"search", "--db", _store.path()});
-    _code = runCommandLine(arguments, console);
-    _complaints = complaints.text();
-    return output.text();
+    auto [code, output, complaints] = answerTo(arguments);
+    _code = code;
+    _complaints = complaints;
+    return output;
   }
 
   FakeLocalTime _zone;
@@ -139,12 +137,10 @@ TEST_F(SearchCommandTest, WhatIsNoStoreIsTold) {
 TEST_F(SearchCommandTest, TheUsersOwnStoreIsTheDefault) {
   FakeEnvironment environment({"XDG_DATA_HOME=/nowhere"});
   ScopedService<Environment> installed(environment);
-  StringOutput output, complaints;
-  Diagnostics diagnostics(complaints);
-  Console console{output, diagnostics};
-  EXPECT_EQ(runCommandLine({"search", "x"}, console), kNoStore);
-  EXPECT_NE(complaints.text().find("/nowhere/ferncase/mail.db"), std::string::npos)
-      << complaints.text();
+  const auto answer = answerTo({"search", "x"});
+  EXPECT_EQ(answer.code, kNoStore);
+  EXPECT_NE(answer.complaints.find("/nowhere/ferncase/mail.db"), std::string::npos)
+      << answer.complaints;
 }
 
 TEST_F(SearchCommandTest, TheHelpIsShort) {

@@ -17,11 +17,6 @@ namespace fs = std::filesystem;
 using nlohmann::json;
 using testing::HasSubstr;
 
-struct Answer {
-  int exitCode;
-  std::string output, complaints;
-};
-
 class ShowCommandTest : public testing::Test {
  protected:
   void SetUp() override {
@@ -42,11 +37,10 @@ class ShowCommandTest : public testing::Test {
     EXPECT_EQ(FolderReader::current().stateOfFile(path(name), &entry), 0);
     return entry.state;
   }
-  Answer show(std::vector<std::string> arguments) const {
+  Finished show(std::vector<std::string> arguments) const {
     arguments.insert(arguments.begin(),
                      {FERNCASE_BINARY, "show", "--db", (_folder / "mail.db").string()});
-    auto finished = Process(std::move(arguments)).folder(_mail).run();
-    return {finished.exitCode, finished.output, finished.complaints};
+    return Process(std::move(arguments)).folder(_mail).run();
   }
 
   TemporaryFolder _folder;

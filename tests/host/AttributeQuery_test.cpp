@@ -1,35 +1,11 @@
 #include "host/search/AttributeQuery.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
-#include "host/search/QueryFault.h"
-#include "tests/support/FakeClock.h"
-#include "tests/support/FakeLocalTime.h"
+#include "tests/support/QueryTest.h"
 
 namespace kbx {
 namespace {
 
-class AttributeQueryTest : public testing::Test {
- protected:
-  static std::string tree(std::string_view text) {
-    return descriptionOf(parseAttributeQuery(text));
-  }
-  static std::string fault(std::string_view text) {
-    try {
-      return "no fault: " + tree(text);
-    } catch (const QueryFault& fault) {
-      return std::string(fault.what()) + " @" + std::to_string(fault.begin) + "+" +
-             std::to_string(fault.length) + " -> " + fault.correction;
-    }
-  }
-
-  FakeClock _clock{1715952600};  // Friday 2024-05-17 13:30:00 UTC
-  FakeLocalTime _zone;
-  ScopedService<Clock> _installedClock{_clock};
-  ScopedService<LocalTime> _installedZone{_zone};
-};
+using AttributeQueryTest = QueryTest<parseAttributeQuery>;
 
 TEST_F(AttributeQueryTest, ComparisonsMakeATree) {
   struct Case {

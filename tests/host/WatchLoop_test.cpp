@@ -1,19 +1,16 @@
 #include "host/watch/WatchLoop.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
 #include <functional>
 #include <set>
 
-#include "tests/support/FakeFolderWatcher.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/WatchTest.h"
 
 namespace kbx {
 namespace {
 
 namespace fs = std::filesystem;
-using Kind = FolderNotice::Kind;
 using Answer = WatchedIndex::Answer;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -42,10 +39,8 @@ class RecordingListener final : public WatchListener {
   std::vector<std::string> told;
 };
 
-class WatchLoopTest : public testing::Test {
+class WatchLoopTest : public WatchTest {
  protected:
-  void SetUp() override { fs::create_directory(_root); }
-  std::string path(std::string_view name) const { return (_root / name).string(); }
   void begin() {
     _loop.begin();
     _loop.step();
@@ -53,9 +48,6 @@ class WatchLoopTest : public testing::Test {
     _listener.told.clear();
   }
 
-  TemporaryFolder _folder;
-  const fs::path _root = _folder / "mail";
-  FakeFolderWatcher _watcher;
   RecordingIndex _index;
   RecordingListener _listener;
   WatchLoop _loop{_watcher, _index, _listener, {_root.string()}};

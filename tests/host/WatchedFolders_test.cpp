@@ -1,30 +1,23 @@
 #include "host/watch/WatchedFolders.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
 
-#include "tests/support/FakeFolderWatcher.h"
-#include "tests/support/TemporaryFolder.h"
+#include "tests/support/WatchTest.h"
 
 namespace kbx {
 namespace {
 
 namespace fs = std::filesystem;
-using Kind = FolderNotice::Kind;
 using Event = WatchedFolders::Event;
 using testing::ElementsAre;
 using testing::IsEmpty;
 using testing::UnorderedElementsAre;
 
 /// What the folders make of notices, for real folders and a watcher that tells what a test says.
-class WatchedFoldersTest : public testing::Test {
+class WatchedFoldersTest : public WatchTest {
  protected:
-  void SetUp() override { fs::create_directory(_root); }
   void folder(std::string_view name) { fs::create_directories(_root / name); }
   void file(std::string_view name) { _folder.write("mail/" + std::string(name), "x"); }
-  std::string path(std::string_view name) const {
-    return name.empty() ? _root.string() : (_root / name).string();
-  }
   void tell(Kind kind, std::string_view entry, bool isFolder = false, std::uint32_t cookie = 0) {
     _watcher.tell(kind, _root / entry, isFolder, cookie);
     takeAll();
@@ -55,9 +48,6 @@ class WatchedFoldersTest : public testing::Test {
     return kinds;
   }
 
-  TemporaryFolder _folder;
-  const fs::path _root = _folder / "mail";
-  FakeFolderWatcher _watcher;
   PendingChanges _changes;
   WatchedFolders _folders{_watcher, _changes, {_root.string()}};
 };

@@ -6,7 +6,7 @@
 #include "platform/objects/NSError.h"
 #include "platform/propertylists/NSPropertyListSerialization.h"
 #include "tests/support/EMLX.h"
-#include "tests/support/FailingFiles.h"
+#include "tests/support/FailingReads.h"
 #include "tests/support/TemporaryFolder.h"
 #include "tests/support/Text.h"
 
@@ -97,14 +97,7 @@ TEST(EMLXFile, IsNotOpenWhereThereIsNoFile) {
 }
 
 TEST(EMLXFile, WhatCannotBeReadToItsEndIsAFailureAndNoShorterMessage) {
-  constexpr std::size_t kPiece = 1 << 16;
-  TemporaryFolder folder;
-  auto url = folder.write("m.emlx", emlx(std::string(2 * kPiece, 'x')));
-  for (int worked : {0, 1, 2, 3}) {
-    SCOPED_TRACE(worked);
-    FailingFiles files;
-    files.fail(FailingFiles::Call::Read, EIO, worked);
-    ScopedService<FileSystem> installed(files);
+  forEachFailingRead([](NSURL* url) {
     EMLXFile file(url, nullptr);
     EXPECT_FALSE(file.failure());
     EXPECT_EQ(file.properties()->count(), 0u);
@@ -112,7 +105,7 @@ TEST(EMLXFile, WhatCannotBeReadToItsEndIsAFailureAndNoShorterMessage) {
     EXPECT_EQ(text(file.failure()->localizedDescription()),
               "The file “m.emlx” couldn’t be opened: Input/output error.");
     EXPECT_EQ(file.nextPiece(), "");
-  }
+  });
 }
 
 }  // namespace

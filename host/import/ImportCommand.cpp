@@ -14,6 +14,7 @@
 #include "host/results/RawValues.h"
 #include "host/results/Results.h"
 #include "host/workers/ImportWorkers.h"
+#include "host/workers/WorkerOptions.h"
 #include "platform/files/FileNames.h"
 
 namespace kbx {
@@ -25,9 +26,7 @@ struct Options {
   std::optional<std::string> pathList;
   AttributeFilter filter;
   std::optional<std::string> nullMarker;  // of --raw
-  std::string isolation = "process";
-  std::optional<unsigned> workers;  // absent for one on each processor
-  std::optional<unsigned> seconds;  // for one message; absent for the usual limits
+  WorkerOptions workers;
   bool hidesText = false;
   bool isBare = false;
   bool isNulSeparated = false;
@@ -36,7 +35,6 @@ struct Options {
   bool isPropertyList = false;
   bool isForced = false;
   bool isRaw = false;
-  bool isVerbose = false;
 };
 
 /// Results that appear on a terminal show the progress themselves, and must not be written over.
@@ -148,19 +146,7 @@ void ImportCommand::declareOptions(CLI::App& options) {
   options.add_option("--files-from", _options.pathList, "Read paths from a file, or - for input")
       ->type_name("FILE");
   options.add_flag("-0", _options.isNulSeparated, "Each path of --files-from ends in a NUL");
-  options.add_option("-j", _options.workers, "How many messages are imported at the same time")
-      ->type_name("N")
-      ->check(CLI::Range(1, 256));
-  options
-      .add_option("--isolate", _options.isolation,
-                  "Where importers run: \"process\", in processes that can do nothing else, or "
-                  "\"none\", in this one")
-      ->type_name("HOW");
-  options.add_option("--timeout", _options.seconds, "How long one message may take at the most")
-      ->type_name("SECONDS")
-      ->check(CLI::Range(1, 86400));
-  options.add_flag("-v,--verbose", _options.isVerbose,
-                   "Print what the importer logs to standard error");
+  _options.workers.declareOn(options);
 }
 
 void ImportCommand::checkUsage(const std::vector<std::string>& operands) const {
@@ -172,10 +158,7 @@ void ImportCommand::checkUsage(const std::vector<std::string>& operands) const {
     throw UsageError("--force and --raw-fallback exclude each other");
   if (_options.staging != "private" && _options.staging != "beside")
     throw UsageError("--stage is private or beside");
-  if (_options.isolation != "process" && _options.isolation != "none")
-    throw UsageError("--isolate is process or none");
-  if (_options.isolation == "none" && (_options.workers > 1u || _options.seconds))
-    throw UsageError("--isolate=none excludes -j and --timeout");
+  _options.workers.check();
   if (_options.importer && _options.importer->empty())
     throw UsageError("--importer needs a BUNDLE");
   if (_options.pathList && _options.pathList->empty())
@@ -211,15 +194,11 @@ bool ImportCommand::addListedPaths(std::vector<std::string>& operands,
 ImportSettings ImportCommand::settingsFor(const std::vector<std::string>& inputs,
                                           Diagnostics& diagnostics) const {
   ImportSettings settings;
-  settings.workers = _options.workers.value_or(0);
-  settings.isIsolated = _options.isolation == "process";
-  if (_options.seconds)
-    settings.limits.seconds = settings.limits.processorSeconds = *_options.seconds;
+  _options.workers.applyTo(settings, diagnostics);
   settings.inputs = inputs;
   settings.importer = _options.importer;
   settings.usesMailImporter = !_options.isRaw;
   settings.isStagedPrivately = _options.staging == "private";
-  if (_options.isVerbose) settings.log = &diagnostics;
   return settings;
 }
 

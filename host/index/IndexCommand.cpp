@@ -14,6 +14,7 @@
 #include "host/index/IndexedFolders.h"
 #include "host/index/Places.h"
 #include "host/store/Maintenance.h"
+#include "host/workers/WorkerOptions.h"
 #include "platform/preferences/NSUserDefaults.h"
 
 namespace kbx {
@@ -22,13 +23,11 @@ namespace {
 struct Options {
   std::string store;                  // empty for the user's own
   std::optional<std::string> forget;  // absent for none
-  std::string isolation = "process";
-  unsigned workers = 0;
+  WorkerOptions workers;
   bool retriesFailures = false;
   bool isQuiet = false;
   bool hasEvents = false;
   bool isJSON = false;
-  bool isVerbose = false;
 };
 
 enum class Task : std::uint8_t { Index, Status, Check, Optimize };
@@ -95,19 +94,10 @@ void IndexCommand::declareOptions(CLI::App& options) {
       ->type_name("DIR");
   options.add_flag("--retry", _options.retriesFailures,
                    "Import again what failed before and has not changed");
-  options.add_option("-j", _options.workers, "How many messages are imported at the same time")
-      ->type_name("N")
-      ->check(CLI::Range(1, 256));
-  options
-      .add_option("--isolate", _options.isolation,
-                  "Where importers run: \"process\", in processes that can do nothing else, or "
-                  "\"none\", in this one")
-      ->type_name("HOW");
   options.add_flag("-q,--quiet", _options.isQuiet, "Tell of failures alone");
   options.add_flag("--ndjson", _options.hasEvents, "Print one JSON object for each event");
   options.add_flag("--json", _options.isJSON, "With status: print one JSON object");
-  options.add_flag("-v,--verbose", _options.isVerbose,
-                   "Print what the importer logs to standard error");
+  _options.workers.declareOn(options);
 }
 
 Task taskOf(const std::vector<std::string>& operands) {
@@ -122,10 +112,7 @@ void IndexCommand::checkUsage(Task task, const std::vector<std::string>& operand
   if (task != Task::Index && hasIndexOptions)
     throw UsageError("--retry, --ndjson and --forget do not go with " + operands[0]);
   if (task != Task::Status && _options.isJSON) throw UsageError("--json goes with status alone");
-  if (_options.isolation != "process" && _options.isolation != "none")
-    throw UsageError("--isolate is process or none");
-  if (_options.isolation == "none" && _options.workers > 1)
-    throw UsageError("-j needs --isolate process");
+  _options.workers.check();
   if (_options.forget && !operands.empty()) throw UsageError("--forget takes one DIR and no other");
   if (_options.forget && _options.forget->empty()) throw UsageError("--forget needs a DIR");
 }
@@ -214,9 +201,7 @@ ExitCode IndexCommand::runOver(StoreWriter& store, const std::vector<std::string
                                .columns = isLive ? terminalColumns(kStandardError) : 0,
                                .hasSummary = !_options.isQuiet});
   IndexSettings settings;
-  settings.imports.workers = _options.workers;
-  settings.imports.isIsolated = _options.isolation == "process";
-  settings.imports.log = _options.isVerbose ? &console.diagnostics : nullptr;
+  _options.workers.applyTo(settings.imports, console.diagnostics);
   settings.retriesFailures = _options.retriesFailures;
   const auto batch = NSUserDefaults::standardUserDefaults()->integerForKey("IndexBatchFiles"_ns);
   if (batch > 0) settings.batch.files = static_cast<std::uint64_t>(batch);

@@ -12,6 +12,7 @@
 #include "host/store/StoreErrors.h"
 #include "host/watch/StoreIndex.h"
 #include "host/watch/WatchReport.h"
+#include "host/workers/WorkerOptions.h"
 #include "platform/files/FileSystem.h"
 
 namespace kbx {
@@ -19,11 +20,9 @@ namespace {
 
 struct Options {
   std::string store;  // empty for the user's own
-  unsigned workers = 0;
-  std::string isolation = "process";
+  WorkerOptions workers;
   bool isQuiet = false;
   bool hasEvents = false;
-  bool isVerbose = false;
 };
 
 class WatchCommand final : public Command {
@@ -58,18 +57,9 @@ class WatchCommand final : public Command {
 void WatchCommand::declareOptions(CLI::App& options) {
   options.add_option("--db", _options.store, "The store, instead of the user's own")
       ->type_name("FILE");
-  options.add_option("-j", _options.workers, "How many messages are imported at the same time")
-      ->type_name("N")
-      ->check(CLI::Range(1, 256));
-  options
-      .add_option("--isolate", _options.isolation,
-                  "Where importers run: \"process\", in processes that can do nothing else, or "
-                  "\"none\", in this one")
-      ->type_name("HOW");
   options.add_flag("-q,--quiet", _options.isQuiet, "Tell of troubles alone");
   options.add_flag("--ndjson", _options.hasEvents, "Print one JSON object for each event");
-  options.add_flag("-v,--verbose", _options.isVerbose,
-                   "Print what the importer logs to standard error");
+  _options.workers.declareOn(options);
 }
 
 void complain(Console& console, NSError* error) {
@@ -130,10 +120,7 @@ std::optional<std::vector<std::string>> WatchCommand::rootsFor(
 }
 
 ExitCode WatchCommand::run(std::vector<std::string> operands, Console& console) {
-  if (_options.isolation != "process" && _options.isolation != "none")
-    throw UsageError("--isolate is process or none");
-  if (_options.isolation == "none" && _options.workers > 1)
-    throw UsageError("-j needs --isolate process");
+  _options.workers.check();
   if (_options.store.empty()) {
     auto path = defaultStorePath();
     if (!path)
@@ -159,9 +146,7 @@ ExitCode WatchCommand::follow(std::vector<std::string> roots, FolderWatcher& wat
                                .columns = isLive ? terminalColumns(kStandardError) : 0,
                                .hasSummary = !_options.isQuiet});
   ImportSettings imports;
-  imports.workers = _options.workers;
-  imports.isIsolated = _options.isolation == "process";
-  imports.log = _options.isVerbose ? &console.diagnostics : nullptr;
+  _options.workers.applyTo(imports, console.diagnostics);
   StoreIndex index(_options.store, imports, report);
   WatchLoop loop(watcher, index, report, std::move(roots));
   loop.begin();

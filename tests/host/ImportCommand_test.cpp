@@ -301,22 +301,6 @@ TEST_F(ImportCommandTest, AClosedOutputIsReportedAndNoFileTakesItsPlace) {
   EXPECT_EQ(finished.complaints, "ferncase: standard output: Bad file descriptor\n");
 }
 
-TEST_F(ImportCommandTest, WaysThatMeanNothingAreRefused) {
-  for (const auto& options :
-       std::initializer_list<std::vector<std::string>>{{"-j", "0"},
-                                                       {"-j", "x"},
-                                                       {"-j", "-1"},
-                                                       {"-j", "257"},
-                                                       {"--isolate=some"},
-                                                       {"--timeout=0"},
-                                                       {"--isolate=none", "-j2"},
-                                                       {"--isolate=none", "--timeout=1"}}) {
-    auto arguments = options;
-    arguments.push_back("a.eml");
-    EXPECT_EQ(command(arguments).run().exitCode, 2) << options.back();
-  }
-}
-
 TEST_F(ImportCommandTest, StandardInputKeepsItsPlaceAmongFiles) {
   for (auto name : {"a.eml", "b.eml"}) _folder.write(name, "Subject: x\n\n" + std::string(name));
   auto finished = command({"--ndjson", "-j2", "a.eml", "-", "b.eml"})

@@ -95,6 +95,22 @@ TEST_F(WorkerFaultsTest, WhatNeverEndsIsStopped) {
             "The importer took longer than 1 second and was stopped.");
 }
 
+TEST_F(WorkerFaultsTest, AnIndexToldHowLongAMessageMayTakeStopsWhatNeverEnds) {
+  std::filesystem::create_directories(_folder / "root/Library");
+  std::filesystem::create_directory_symlink(FERNCASE_SPOTLIGHT_DIR,
+                                            _folder / "root/Library/Spotlight");
+  std::filesystem::create_directory_symlink(FERNCASE_BUNDLES_DIR "/root/System",
+                                            _folder / "root/System");
+  write("a", "hang");
+  const auto finished =
+      Process({FERNCASE_BINARY, "index", "--db", "mail.db", "--timeout=1", "mail"})
+          .folder(_folder.path())
+          .variable("KBX_SYSTEM_ROOT=" + (_folder / "root").string())
+          .run();
+  EXPECT_THAT(finished.complaints,
+              HasSubstr("a.eml: The importer took longer than 1 second and was stopped.\n"));
+}
+
 TEST_F(WorkerFaultsTest, FaultsThatTheProcessSurvivesAreTheSameInAndOutsideWorkers) {
   struct Case {
     const char *test, *reason;

@@ -3,6 +3,7 @@
 #include <CLI/CLI.hpp>
 #include <algorithm>
 #include <optional>
+#include <utility>
 
 #include "host/console/Interruption.h"
 #include "host/console/ProgressLine.h"
@@ -10,9 +11,7 @@
 #include "host/console/Terminal.h"
 #include "host/import/InputFiles.h"
 #include "host/import/PathList.h"
-#include "host/results/AttributeFilter.h"
-#include "host/results/RawValues.h"
-#include "host/results/Results.h"
+#include "host/results/ResultOptions.h"
 #include "host/workers/ImportWorkers.h"
 #include "host/workers/WorkerOptions.h"
 #include "platform/files/FileNames.h"
@@ -24,15 +23,9 @@ struct Options {
   std::optional<std::string> importer;  // absent for those that are installed
   std::string staging = "private";
   std::optional<std::string> pathList;
-  AttributeFilter filter;
-  std::optional<std::string> nullMarker;  // of --raw
+  ResultOptions results;
   WorkerOptions workers;
-  bool hidesText = false;
-  bool isBare = false;
   bool isNulSeparated = false;
-  bool isJSON = false;
-  bool isLines = false;
-  bool isPropertyList = false;
   bool isForced = false;
   bool isRaw = false;
 };
@@ -48,8 +41,8 @@ struct OutputFailed {};
 /// The results of one command line, one input after the other.
 class ImportResults {
  public:
-  ImportResults(const AttributeFilter& filter, Results& results, Console& console)
-      : _filter(filter),
+  ImportResults(AttributeFilter filter, Results& results, Console& console)
+      : _filter(std::move(filter)),
         _results(results),
         _console(console),
         _progress(console.diagnostics, columnsForProgress()) {}
@@ -62,7 +55,7 @@ class ImportResults {
   }
 
  private:
-  const AttributeFilter& _filter;
+  const AttributeFilter _filter;
   Results& _results;
   Console& _console;
   ProgressLine _progress;
@@ -97,7 +90,6 @@ class ImportCommand final : public Command {
 
  private:
   void checkUsage(const std::vector<std::string>& operands) const;
-  std::unique_ptr<Results> makeResults(Output& output, bool hasSeveral) const;
   bool addListedPaths(std::vector<std::string>& operands, Diagnostics& diagnostics) const;
   ImportSettings settingsFor(const std::vector<std::string>& inputs,
                              Diagnostics& diagnostics) const;
@@ -121,9 +113,7 @@ std::string_view ImportCommand::notes() const {
 void ImportCommand::declareOptions(CLI::App& options) {
   options.add_option("--importer", _options.importer, "The importer bundle to ask for every file")
       ->type_name("BUNDLE");
-  options.add_flag("--json", _options.isJSON, "Print one JSON array");
-  options.add_flag("--ndjson", _options.isLines, "Print one JSON object a line, at once");
-  options.add_flag("--plist", _options.isPropertyList, "Print one XML property list");
+  _options.results.declareOn(options);
   options.add_flag("--raw-fallback", _options.isRaw,
                    "Let the importer answer with the raw text of a message");
   options.add_flag("--force", _options.isForced, "Use the mail importer (the default)");
@@ -132,17 +122,6 @@ void ImportCommand::declareOptions(CLI::App& options) {
                   "Where the mail importer's copy of a message is made: \"private\", in a folder "
                   "of this run, or \"beside\" the message")
       ->type_name("PLACE");
-  options.add_option("--name", _options.filter.names, "Print only this attribute; may be repeated")
-      ->type_name("ATTRIBUTE")
-      ->allow_extra_args(false);
-  options.add_flag("--raw", _options.isBare, "Print the bare values of --name, a NUL behind each");
-  options
-      .add_option("--null-marker", _options.nullMarker,
-                  "What --raw prints for an attribute that a file has not")
-      ->type_name("TEXT");
-  options.add_flag("--no-text", _options.hidesText, "Leave the body out, as text and as HTML");
-  options.add_flag("--extra", _options.filter.showsExtra,
-                   "Print what is known about a message beyond the common attributes");
   options.add_option("--files-from", _options.pathList, "Read paths from a file, or - for input")
       ->type_name("FILE");
   options.add_flag("-0", _options.isNulSeparated, "Each path of --files-from ends in a NUL");
@@ -151,9 +130,7 @@ void ImportCommand::declareOptions(CLI::App& options) {
 
 void ImportCommand::checkUsage(const std::vector<std::string>& operands) const {
   if (operands.empty() && !_options.pathList) throw UsageError("import needs a PATH");
-  if (_options.isJSON + _options.isLines + _options.isPropertyList + _options.isBare > 1)
-    throw UsageError("--json, --ndjson, --plist and --raw exclude each other");
-  if (_options.isBare && _options.filter.names.empty()) throw UsageError("--raw needs --name");
+  _options.results.check();
   if (_options.isForced && _options.isRaw)
     throw UsageError("--force and --raw-fallback exclude each other");
   if (_options.staging != "private" && _options.staging != "beside")
@@ -163,22 +140,10 @@ void ImportCommand::checkUsage(const std::vector<std::string>& operands) const {
     throw UsageError("--importer needs a BUNDLE");
   if (_options.pathList && _options.pathList->empty())
     throw UsageError("--files-from needs a FILE");
-  if (std::ranges::find(_options.filter.names, "") != _options.filter.names.end())
-    throw UsageError("--name needs an ATTRIBUTE");
   if (_options.isNulSeparated && !_options.pathList) throw UsageError("-0 needs --files-from");
-  if (_options.nullMarker && !_options.isBare) throw UsageError("--null-marker needs --raw");
   if (std::ranges::count(operands, kStandardInputName) + (_options.pathList == kStandardInputName) >
       1)
     throw UsageError("standard input can be read once");
-}
-
-std::unique_ptr<Results> ImportCommand::makeResults(Output& output, bool hasSeveral) const {
-  if (_options.isJSON) return makeJSONResults(output);
-  if (_options.isPropertyList) return makePropertyListResults(output);
-  if (_options.isLines) return makeLineResults(output);
-  if (_options.isBare)
-    return makeRawValues(output, _options.filter.names, _options.nullMarker.value_or("(null)"));
-  return makeTextResults(output, hasSeveral);
 }
 
 bool ImportCommand::addListedPaths(std::vector<std::string>& operands,
@@ -204,7 +169,6 @@ ImportSettings ImportCommand::settingsFor(const std::vector<std::string>& inputs
 
 ExitCode ImportCommand::run(std::vector<std::string> operands, Console& console) {
   checkUsage(operands);
-  _options.filter.showsText = !_options.hidesText;
   const Interruption noted;
   if (!addListedPaths(operands, console.diagnostics)) return kNoneDelivered;
   ImportWorkers workers(settingsFor(operands, console.diagnostics));
@@ -220,8 +184,8 @@ ExitCode ImportCommand::importAll(ImportWorkers& workers, std::vector<std::strin
   InputFiles inputs(std::move(operands));
   // The text form is another for one file than for several, so one is looked at ahead.
   std::optional<Input> input = inputs.next(), following = inputs.next();
-  auto results = makeResults(console.output, !isNamedAlone || following);
-  ImportResults taker(_options.filter, *results, console);
+  const auto results = _options.results.makeResults(console.output, !isNamedAlone || following);
+  ImportResults taker(_options.results.filter(), *results, console);
   results->begin();
   try {
     workers.run([&] { return std::exchange(input, std::exchange(following, inputs.next())); },

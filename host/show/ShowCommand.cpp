@@ -1,19 +1,17 @@
 #include "host/show/ShowCommand.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
 #include <charconv>
 #include <filesystem>
 #include <optional>
 #include <string>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include "host/console/FerncaseErrors.h"
 #include "host/export/StoredPlace.h"
-#include "host/results/AttributeFilter.h"
-#include "host/results/RawValues.h"
-#include "host/results/Results.h"
+#include "host/results/ResultOptions.h"
 #include "platform/text/ASCII.h"
 
 namespace kbx {
@@ -21,13 +19,7 @@ namespace {
 
 struct Options {
   std::string store;  // empty for the user's own
-  AttributeFilter filter;
-  std::string nullMarker = "(null)";
-  bool hidesText = false;
-  bool isBare = false;
-  bool isJSON = false;
-  bool isLines = false;
-  bool isPropertyList = false;
+  ResultOptions results;
 };
 
 /// The id that a word of digits is.
@@ -53,9 +45,8 @@ std::vector<std::string> placesFor(const std::string& operand) {
 /// The messages of one command line, one after the other.
 class ShowRun {
  public:
-  ShowRun(StoreReader& store, const AttributeFilter& filter, Results& results,
-          Diagnostics& diagnostics)
-      : _store(store), _filter(filter), _results(results), _diagnostics(diagnostics) {}
+  ShowRun(StoreReader& store, AttributeFilter filter, Results& results, Diagnostics& diagnostics)
+      : _store(store), _filter(std::move(filter)), _results(results), _diagnostics(diagnostics) {}
 
   void show(const std::string& operand);
   ExitCode exitCode() const {
@@ -69,7 +60,7 @@ class ShowRun {
   void tellPresence(const StoredPlace& place);
 
   StoreReader& _store;
-  const AttributeFilter& _filter;
+  const AttributeFilter _filter;
   Results& _results;
   Diagnostics& _diagnostics;
   bool _hasShown = false;
@@ -140,49 +131,18 @@ class ShowCommand final : public Command {
   ExitCode run(std::vector<std::string> operands, Console& console) override;
 
  private:
-  void checkUsage(const std::vector<std::string>& operands) const;
-  std::unique_ptr<Results> makeResults(Output& output, bool hasSeveral) const;
-
   Options _options;
 };
 
 void ShowCommand::declareOptions(CLI::App& options) {
   options.add_option("--db", _options.store, "The store, instead of the user's own")
       ->type_name("FILE");
-  options.add_flag("--json", _options.isJSON, "Print one JSON array");
-  options.add_flag("--ndjson", _options.isLines, "Print one JSON object a line");
-  options.add_flag("--plist", _options.isPropertyList, "Print one XML property list");
-  options.add_option("--name", _options.filter.names, "Print only this attribute; may be repeated")
-      ->type_name("ATTRIBUTE")
-      ->allow_extra_args(false);
-  options.add_flag("--raw", _options.isBare, "Print the bare values of --name, a NUL behind each");
-  options
-      .add_option("--null-marker", _options.nullMarker,
-                  "What --raw prints for an attribute that a message has not")
-      ->type_name("TEXT");
-  options.add_flag("--no-text", _options.hidesText, "Leave the body out, as text and as HTML");
-  options.add_flag("--extra", _options.filter.showsExtra,
-                   "Print what is known about a message beyond the common attributes");
-}
-
-void ShowCommand::checkUsage(const std::vector<std::string>& operands) const {
-  if (operands.empty()) throw UsageError("show needs a PATH or an ID");
-  if (_options.isJSON + _options.isLines + _options.isPropertyList + _options.isBare > 1)
-    throw UsageError("--json, --ndjson, --plist and --raw exclude each other");
-  if (_options.isBare && _options.filter.names.empty()) throw UsageError("--raw needs --name");
-}
-
-std::unique_ptr<Results> ShowCommand::makeResults(Output& output, bool hasSeveral) const {
-  if (_options.isJSON) return makeJSONResults(output);
-  if (_options.isLines) return makeLineResults(output);
-  if (_options.isPropertyList) return makePropertyListResults(output);
-  if (_options.isBare) return makeRawValues(output, _options.filter.names, _options.nullMarker);
-  return makeTextResults(output, hasSeveral);
+  _options.results.declareOn(options);
 }
 
 ExitCode ShowCommand::run(std::vector<std::string> operands, Console& console) {
-  checkUsage(operands);
-  _options.filter.showsText = !_options.hidesText;
+  if (operands.empty()) throw UsageError("show needs a PATH or an ID");
+  _options.results.check();
   const auto path = _options.store.empty() ? defaultStorePath() : std::optional(_options.store);
   if (!path)
     throw UsageError("neither XDG_DATA_HOME nor HOME says where the store is; --db FILE does");
@@ -192,8 +152,8 @@ ExitCode ShowCommand::run(std::vector<std::string> operands, Console& console) {
     console.diagnostics.message(error->localizedDescription()->lossyUTF8());
     return kUndone;
   }
-  const auto results = makeResults(console.output, operands.size() > 1);
-  ShowRun run(*store, _options.filter, *results, console.diagnostics);
+  const auto results = _options.results.makeResults(console.output, operands.size() > 1);
+  ShowRun run(*store, _options.results.filter(), *results, console.diagnostics);
   results->begin();
   for (const std::string& operand : operands) {
     run.show(operand);

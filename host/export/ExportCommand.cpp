@@ -10,6 +10,7 @@
 #include "host/export/ReplacedFile.h"
 #include "host/export/StoredPlace.h"
 #include "host/search/Search.h"
+#include "host/store/StoreOption.h"
 
 namespace kbx {
 namespace {
@@ -17,8 +18,8 @@ namespace {
 struct Options {
   std::string format = "ndjson";
   std::string index = "mail";
-  std::string file;   // empty for standard output
-  std::string store;  // empty for the user's own
+  std::string file;  // empty for standard output
+  StoreOption store;
 };
 
 void complain(Console& console, NSError* error) {
@@ -136,8 +137,7 @@ void ExportCommand::declareOptions(CLI::App& options) {
       .add_option("-o,--output", _options.file,
                   "Write to a file, which is there when it is complete")
       ->type_name("FILE");
-  options.add_option("--db", _options.store, "The store, instead of the user's own")
-      ->type_name("FILE");
+  _options.store.declareOn(options);
 }
 
 void ExportCommand::checkUsage() const {
@@ -149,11 +149,8 @@ void ExportCommand::checkUsage() const {
 }
 
 std::unique_ptr<StoreReader> ExportCommand::openStore(Console& console) const {
-  const auto path = _options.store.empty() ? defaultStorePath() : std::optional(_options.store);
-  if (!path)
-    throw UsageError("neither XDG_DATA_HOME nor HOME says where the store is; --db FILE does");
   Ref<NSError> error;
-  auto store = StoreReader::open(*path, &error);
+  auto store = StoreReader::open(_options.store.path(), &error);
   if (!store) complain(console, error);
   return store;
 }

@@ -14,6 +14,7 @@
 #include "host/index/IndexedFolders.h"
 #include "host/index/Places.h"
 #include "host/store/Maintenance.h"
+#include "host/store/StoreOption.h"
 #include "host/workers/WorkerOptions.h"
 #include "platform/preferences/NSUserDefaults.h"
 
@@ -21,7 +22,7 @@ namespace kbx {
 namespace {
 
 struct Options {
-  std::string store;                  // empty for the user's own
+  StoreOption store;
   std::optional<std::string> forget;  // absent for none
   WorkerOptions workers;
   bool retriesFailures = false;
@@ -58,7 +59,6 @@ class IndexCommand final : public Command {
 
  private:
   void checkUsage(Task task, const std::vector<std::string>& operands) const;
-  std::string storePath() const;
   ExitCode index(const std::vector<std::string>& operands, Console& console) const;
   ExitCode runOver(StoreWriter& store, const std::vector<std::string>& roots,
                    Console& console) const;
@@ -86,8 +86,7 @@ std::string_view IndexCommand::notes() const {
 }
 
 void IndexCommand::declareOptions(CLI::App& options) {
-  options.add_option("--db", _options.store, "The store, instead of the user's own")
-      ->type_name("FILE");
+  _options.store.declareOn(options);
   options
       .add_option("--forget", _options.forget,
                   "Remove a folder and its messages from the store, and index it no more")
@@ -117,18 +116,12 @@ void IndexCommand::checkUsage(Task task, const std::vector<std::string>& operand
   if (_options.forget && _options.forget->empty()) throw UsageError("--forget needs a DIR");
 }
 
-std::string IndexCommand::storePath() const {
-  if (!_options.store.empty()) return _options.store;
-  if (auto path = defaultStorePath()) return *path;
-  throw UsageError("neither XDG_DATA_HOME nor HOME says where the store is; --db FILE does");
-}
-
 ExitCode IndexCommand::run(std::vector<std::string> operands, Console& console) {
   const Task task = taskOf(operands);
   checkUsage(task, operands);
   switch (task) {
     case Task::Status:
-      return printIndexStatus(storePath(), _options.isJSON, console);
+      return printIndexStatus(_options.store.path(), _options.isJSON, console);
     case Task::Check:
       return check(console);
     case Task::Optimize:
@@ -157,7 +150,7 @@ ExitCode IndexCommand::index(const std::vector<std::string>& operands, Console& 
   std::vector<std::string> places = placesOf(operands, console);
   if (!operands.empty() && places.empty()) return kNoneDelivered;
   Ref<NSError> error;
-  auto store = StoreWriter::open(storePath(), &error);
+  auto store = StoreWriter::open(_options.store.path(), &error);
   if (!store || !rememberFolders(*store, outermost(places), &error)) {
     complain(console, error);
     return kUndone;
@@ -218,7 +211,7 @@ ExitCode IndexCommand::runOver(StoreWriter& store, const std::vector<std::string
 ExitCode IndexCommand::forget(Console& console) const {
   Ref<NSError> error;
   std::uint64_t forgotten = 0;
-  auto store = StoreWriter::open(storePath(), &error);
+  auto store = StoreWriter::open(_options.store.path(), &error);
   if (!store || !forgetFolder(*store, formerPlaceOf(*_options.forget), &forgotten, &error)) {
     complain(console, error);
     return kUndone;
@@ -229,7 +222,7 @@ ExitCode IndexCommand::forget(Console& console) const {
 
 ExitCode IndexCommand::check(Console& console) const {
   Ref<NSError> error;
-  const auto findings = checkStore(storePath(), &error);
+  const auto findings = checkStore(_options.store.path(), &error);
   if (!findings) {
     complain(console, error);
     return kUndone;
@@ -244,7 +237,7 @@ ExitCode IndexCommand::check(Console& console) const {
 
 ExitCode IndexCommand::optimize(Console& console) const {
   Ref<NSError> error;
-  if (optimizeStore(storePath(), &error)) return kDone;
+  if (optimizeStore(_options.store.path(), &error)) return kDone;
   complain(console, error);
   return kUndone;
 }

@@ -13,6 +13,7 @@
 #include "host/search/FoundWriter.h"
 #include "host/search/LiveSearch.h"
 #include "host/search/Search.h"
+#include "host/store/StoreOption.h"
 #include "platform/desktop/DesktopFolders.h"
 
 namespace kbx {
@@ -27,7 +28,7 @@ constexpr int kPauseMilliseconds = 200;
 struct Options {
   std::vector<std::string> folders;
   std::vector<std::string> names;
-  std::string database;  // empty for the user's own
+  StoreOption store;
   std::string order = "date";
   std::optional<std::uint64_t> limit;
   std::uint64_t offset = 0;
@@ -119,8 +120,7 @@ void SearchCommand::declareOptions(CLI::App& options) {
       ->allow_extra_args(false);
   options.add_flag("--snippet", _options.hasSnippets, "Print the passage around what was found");
   options.add_flag("--live", _options.isLive, "Go on and print what comes in, until interrupted");
-  options.add_option("--db", _options.database, "The store; otherwise the user's own")
-      ->type_name("FILE");
+  _options.store.declareOn(options);
 }
 
 void SearchCommand::checkUsage(const std::vector<std::string>& operands) const {
@@ -163,14 +163,8 @@ FoundSettings SearchCommand::foundSettings() const {
 }
 
 std::unique_ptr<StoreReader> SearchCommand::openStore(Diagnostics& diagnostics) const {
-  const auto path =
-      _options.database.empty() ? defaultStorePath() : std::optional(_options.database);
-  if (!path) {
-    diagnostics.message("there is no home folder to look for the store in; name one with --db");
-    return nullptr;
-  }
   Ref<NSError> error;
-  auto reader = StoreReader::open(*path, &error);
+  auto reader = StoreReader::open(_options.store.path(), &error);
   if (!reader) diagnostics.message(error->localizedDescription()->lossyUTF8());
   return reader;
 }

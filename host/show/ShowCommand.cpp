@@ -12,13 +12,14 @@
 #include "host/console/FerncaseErrors.h"
 #include "host/export/StoredPlace.h"
 #include "host/results/ResultOptions.h"
+#include "host/store/StoreOption.h"
 #include "platform/text/ASCII.h"
 
 namespace kbx {
 namespace {
 
 struct Options {
-  std::string store;  // empty for the user's own
+  StoreOption store;
   ResultOptions results;
 };
 
@@ -135,19 +136,15 @@ class ShowCommand final : public Command {
 };
 
 void ShowCommand::declareOptions(CLI::App& options) {
-  options.add_option("--db", _options.store, "The store, instead of the user's own")
-      ->type_name("FILE");
+  _options.store.declareOn(options);
   _options.results.declareOn(options);
 }
 
 ExitCode ShowCommand::run(std::vector<std::string> operands, Console& console) {
   if (operands.empty()) throw UsageError("show needs a PATH or an ID");
   _options.results.check();
-  const auto path = _options.store.empty() ? defaultStorePath() : std::optional(_options.store);
-  if (!path)
-    throw UsageError("neither XDG_DATA_HOME nor HOME says where the store is; --db FILE does");
   Ref<NSError> error;
-  const auto store = StoreReader::open(*path, &error);
+  const auto store = StoreReader::open(_options.store.path(), &error);
   if (!store) {
     console.diagnostics.message(error->localizedDescription()->lossyUTF8());
     return kUndone;

@@ -10,6 +10,7 @@
 #include "host/index/IndexedFolders.h"
 #include "host/index/Places.h"
 #include "host/store/StoreErrors.h"
+#include "host/store/StoreOption.h"
 #include "host/watch/StoreIndex.h"
 #include "host/watch/WatchReport.h"
 #include "host/workers/WorkerOptions.h"
@@ -19,7 +20,7 @@ namespace kbx {
 namespace {
 
 struct Options {
-  std::string store;  // empty for the user's own
+  StoreOption store;
   WorkerOptions workers;
   bool isQuiet = false;
   bool hasEvents = false;
@@ -47,16 +48,14 @@ class WatchCommand final : public Command {
   ExitCode run(std::vector<std::string> operands, Console& console) override;
 
  private:
-  std::optional<std::vector<std::string>> rootsFor(const std::vector<std::string>& operands,
-                                                   Console& console, ExitCode* code) const;
-  ExitCode follow(std::vector<std::string> roots, FolderWatcher& watcher, Console& console) const;
+  ExitCode follow(const std::string& store, std::vector<std::string> roots, FolderWatcher& watcher,
+                  Console& console) const;
 
   Options _options;
 };
 
 void WatchCommand::declareOptions(CLI::App& options) {
-  options.add_option("--db", _options.store, "The store, instead of the user's own")
-      ->type_name("FILE");
+  _options.store.declareOn(options);
   options.add_flag("-q,--quiet", _options.isQuiet, "Tell of troubles alone");
   options.add_flag("--ndjson", _options.hasEvents, "Print one JSON object for each event");
   _options.workers.declareOn(options);
@@ -94,8 +93,9 @@ std::optional<std::vector<std::string>> rememberedFolders(const std::string& sto
 }
 
 /// Absent with an exit code when there is nothing to follow.
-std::optional<std::vector<std::string>> WatchCommand::rootsFor(
-    const std::vector<std::string>& operands, Console& console, ExitCode* code) const {
+std::optional<std::vector<std::string>> rootsFor(const std::vector<std::string>& operands,
+                                                 const std::string& store, Console& console,
+                                                 ExitCode* code) {
   std::vector<std::string> places = placesOf(operands, console);
   leaveFoldersOnly(places, console.diagnostics);
   *code = kNoneDelivered;
@@ -104,11 +104,11 @@ std::optional<std::vector<std::string>> WatchCommand::rootsFor(
   *code = kUndone;
   Ref<NSError> error;
   if (!operands.empty()) {
-    if (remember(_options.store, places, &error)) return places;
+    if (remember(store, places, &error)) return places;
     complain(console, error);
     return std::nullopt;
   }
-  auto remembered = rememberedFolders(_options.store, &error);
+  auto remembered = rememberedFolders(store, &error);
   if (!remembered && error->code() != StoreMissingError) {
     complain(console, error);
     return std::nullopt;
@@ -121,24 +121,19 @@ std::optional<std::vector<std::string>> WatchCommand::rootsFor(
 
 ExitCode WatchCommand::run(std::vector<std::string> operands, Console& console) {
   _options.workers.check();
-  if (_options.store.empty()) {
-    auto path = defaultStorePath();
-    if (!path)
-      throw UsageError("neither XDG_DATA_HOME nor HOME says where the store is; --db FILE does");
-    _options.store = std::move(*path);
-  }
+  const std::string store = _options.store.path();
   ExitCode code = kDone;
-  auto roots = rootsFor(operands, console, &code);
+  auto roots = rootsFor(operands, store, console, &code);
   if (!roots) return code;
   int failure = 0;
   const auto watcher = makeFolderWatcher(&failure);
-  if (watcher) return follow(std::move(*roots), *watcher, console);
+  if (watcher) return follow(store, std::move(*roots), *watcher, console);
   console.diagnostics.failure("inotify", posixError(failure)->localizedFailureReason());
   return kBroken;
 }
 
-ExitCode WatchCommand::follow(std::vector<std::string> roots, FolderWatcher& watcher,
-                              Console& console) const {
+ExitCode WatchCommand::follow(const std::string& store, std::vector<std::string> roots,
+                              FolderWatcher& watcher, Console& console) const {
   const Interruption noted;
   const bool isLive =
       !_options.isQuiet && !(_options.hasEvents && terminalColumns(kStandardOutput));
@@ -147,7 +142,7 @@ ExitCode WatchCommand::follow(std::vector<std::string> roots, FolderWatcher& wat
                                .hasSummary = !_options.isQuiet});
   ImportSettings imports;
   _options.workers.applyTo(imports, console.diagnostics);
-  StoreIndex index(_options.store, imports, report);
+  StoreIndex index(store, imports, report);
   WatchLoop loop(watcher, index, report, std::move(roots));
   loop.begin();
   while (!Interruption::isWished()) {

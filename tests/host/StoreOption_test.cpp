@@ -1,0 +1,58 @@
+#include "host/store/StoreOption.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <CLI/CLI.hpp>
+
+#include "host/console/Command.h"
+#include "tests/support/CommandRun.h"
+#include "tests/support/FakeEnvironment.h"
+#include "tests/support/TemporaryFolder.h"
+
+namespace kbx {
+namespace {
+
+using testing::HasSubstr;
+
+std::string pathFor(std::vector<std::string> arguments) {
+  CLI::App app;
+  StoreOption option;
+  option.declareOn(app);
+  app.parse(std::move(arguments));
+  return option.path();
+}
+
+TEST(StoreOption, TheUsersOwnStoreIsTheDefault) {
+  FakeEnvironment environment({"XDG_DATA_HOME=/data"});
+  ScopedService<Environment> installed(environment);
+  EXPECT_EQ(pathFor({}), "/data/ferncase/mail.db");
+  EXPECT_EQ(pathFor({"--db=mail.db"}), "mail.db");
+}
+
+TEST(StoreOption, WithoutAStoreEachCommandRefusesToGuess) {
+  FakeEnvironment environment;
+  ScopedService<Environment> installed(environment);
+  const TemporaryFolder folder;
+  for (auto command : {"index", "watch", "show", "export", "search"}) {
+    const auto [code, output, complaints] = answerTo({command, folder.path().string()});
+    EXPECT_EQ(code, kMisused) << command;
+    EXPECT_THAT(
+        complaints,
+        HasSubstr("neither XDG_DATA_HOME nor HOME says where the store is; --db FILE does"));
+  }
+}
+
+TEST(StoreOption, AnEmptyNameDoesNotStandForTheUsersOwnStore) {
+  FakeEnvironment environment({"XDG_DATA_HOME=/data"});
+  ScopedService<Environment> installed(environment);
+  const TemporaryFolder folder;
+  for (auto command : {"index", "watch", "show", "export", "search"}) {
+    const auto [code, output, complaints] = answerTo({command, "--db=", folder.path().string()});
+    EXPECT_EQ(code, kMisused) << command;
+    EXPECT_THAT(complaints, HasSubstr("--db needs a FILE"));
+  }
+}
+
+}  // namespace
+}  // namespace kbx

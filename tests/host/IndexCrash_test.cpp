@@ -8,7 +8,6 @@
 
 #include <algorithm>
 #include <chrono>
-#include <cstdlib>
 #include <fstream>
 #include <map>
 #include <random>
@@ -16,6 +15,7 @@
 
 #include "host/store/Maintenance.h"
 #include "host/store/Store.h"
+#include "tests/support/Kills.h"
 #include "tests/support/Process.h"
 
 namespace kbx {
@@ -28,12 +28,6 @@ using Microseconds = std::chrono::microseconds;
 using Messages = std::map<std::string, std::string>;
 
 constexpr int kMessages = 120;
-
-/// How many processes are killed: FERNCASE_KILLS, a few without it.
-int kills() {
-  const char* wish = std::getenv("FERNCASE_KILLS");
-  return wish ? std::atoi(wish) : 24;
-}
 
 class IndexCrashTest : public testing::Test {
  protected:
@@ -154,7 +148,8 @@ TEST_F(IndexCrashTest, KilledAtAnyMomentItLosesNothingThatWasCommitted) {
 
   std::size_t committed = 0;
   int ended = 0;
-  for (int i = 0; i < kills(); ++i) {
+  const int kills = killsOr(24);
+  for (int i = 0; i < kills; ++i) {
     const auto after = Microseconds(random() % static_cast<unsigned>(whole.count() + 1));
     const int status = kill(SIGKILL, after);
     ASSERT_GE(upToDate(), committed) << "after " << after.count() << " us";

@@ -5,21 +5,20 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cstdlib>
 #include <random>
 
 #include "host/store/Maintenance.h"
 #include "host/store/Schema.h"
 #include "host/store/Store.h"
 #include "host/store/StoreErrors.h"
+#include "tests/support/ChildProcess.h"
+#include "tests/support/Kills.h"
 #include "tests/support/Process.h"
 #include "tests/support/Sanitizers.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kbx {
 namespace {
-
-constexpr int kNobody = 65534;
 
 Ref<NSDictionary> message(int number) {
   std::string body;
@@ -43,16 +42,6 @@ class StoreTroubles : public ::testing::Test {
     for (int i = 0; i < count; ++i)
       ASSERT_TRUE(store->put(pathOf(i), {}, {}, message(i), &error)) << said();
     ASSERT_TRUE(store->commit(&error)) << said();
-  }
-
-  /// Runs the body in a process of its own and answers what it answers.
-  template <class Body>
-  static int inChild(Body body) {
-    const pid_t child = ::fork();
-    if (child == 0) ::_exit(body());
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status);
   }
 
   TemporaryFolder folder;
@@ -115,8 +104,7 @@ TEST_F(StoreTroubles, AStoreInAReadOnlyFolderIsRead) {
   fill(5);
   ASSERT_EQ(::chmod(path().c_str(), 0444), 0);
   ASSERT_EQ(::chmod(folder.path().c_str(), 0555), 0);
-  const int result = inChild([&] {
-    if (::geteuid() == 0 && ::setuid(kNobody) != 0) return 9;  // root may write everywhere
+  const int result = inOrdinaryChild([&] {
     if (StoreWriter::open(path(), &error)) return 1;
     if (error->code() != StoreUnreadableError) return 2;
     auto store = StoreReader::open(path(), &error);
@@ -142,8 +130,7 @@ TEST_F(StoreTroubles, AReadOnlyFolderWithUnfinishedWorkIsNotGuessedAt) {
   ASSERT_GT(std::filesystem::file_size(path() + "-wal"), 0u);
   std::filesystem::remove(path() + "-shm");
   ASSERT_EQ(::chmod(folder.path().c_str(), 0555), 0);
-  const int result = inChild([&] {
-    if (::geteuid() == 0 && ::setuid(kNobody) != 0) return 9;
+  const int result = inOrdinaryChild([&] {
     if (StoreReader::open(path(), &error)) return 1;
     return error->code() == StoreUnreadableError ? 0 : 2;
   });
@@ -239,15 +226,10 @@ TEST_F(StoreTroubles, AStoreThatWasCutIsAnErrorOrAFinding) {
   ::_exit(1);
 }
 
-int roundsOr(int usual) {
-  const char* wished = std::getenv("FERNCASE_KILL_ROUNDS");
-  return wished ? std::atoi(wished) : usual;
-}
-
 TEST_F(StoreTroubles, AWriterThatIsKilledLosesNothingThatWasCommitted) {
   std::mt19937 random(static_cast<unsigned>(::getpid()));
   int committed = 0;
-  for (int round = 0, rounds = roundsOr(8); round < rounds; ++round) {
+  for (int round = 0, rounds = killsOr(8); round < rounds; ++round) {
     int ends[2];
     ASSERT_EQ(::pipe(ends), 0);
     const pid_t child = ::fork();
@@ -278,7 +260,7 @@ TEST_F(StoreTroubles, AMigrationThatIsKilledIsDoneOrNot) {
   fill(300);
   const std::string old = folder.read("mail.db");
   std::mt19937 random(static_cast<unsigned>(::getpid()));
-  for (int round = 0, rounds = roundsOr(8); round < rounds; ++round) {
+  for (int round = 0, rounds = killsOr(8); round < rounds; ++round) {
     for (const char* end : {"-wal", "-shm"}) std::filesystem::remove(path() + end);
     folder.write("mail.db", old);
     const pid_t child = ::fork();

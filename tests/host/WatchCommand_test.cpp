@@ -7,7 +7,6 @@
 #include <sys/un.h>
 
 #include <nlohmann/json.hpp>
-#include <random>
 
 #include "host/store/Store.h"
 #include "tests/support/Process.h"
@@ -212,33 +211,6 @@ TEST_F(WatchCommandTest, WrongFoldersAreTold) {
   const auto way = Process({FERNCASE_BINARY, "watch", "--isolate=some", "/"}).run();
   EXPECT_EQ(way.exitCode, 2);
   EXPECT_THAT(way.complaints, HasSubstr("--isolate is process or none"));
-}
-
-TEST_F(WatchCommandTest, KilledAtAnyMomentItLosesNothingThatTheNextRunDoesNotFind) {
-  std::mt19937 random(7);
-  std::map<std::string, std::string> expected;
-  int number = 0;
-  for (int kill = 0; kill < 8; ++kill) {
-    RunningProcess watch(command());
-    const auto events = random() % 6;  // after which it is killed, while it may be at work again
-    for (auto event = events; event > 0; --event) {
-      const std::string name = std::to_string(++number) + ".eml";
-      deliver(name, "subject " + name);
-      expected[name] = "subject " + name;
-      ASSERT_THAT(next(watch), testing::Not(HasSubstr("nothing")));
-    }
-    if (!expected.empty() && random() % 2 == 0) {
-      fs::remove(_mail / expected.begin()->first);
-      expected.erase(expected.begin());
-    }
-    watch.tell(SIGKILL);
-    EXPECT_EQ(watch.wait(), -1);
-    EXPECT_EQ(index({"check"}).exitCode, kill == 0 && events == 0 ? 1 : 0);
-  }
-  EXPECT_EQ(index({_mail.string()}).exitCode, 0);
-  const auto check = index({"check"});
-  EXPECT_EQ(check.exitCode, 0) << check.output << check.complaints;
-  EXPECT_EQ(stored(), expected);
 }
 
 }  // namespace

@@ -9,6 +9,7 @@
 #include "host/import/AnswerCheck.h"
 #include "host/import/HTMLBody.h"
 #include "host/import/ImportErrors.h"
+#include "host/import/MaildirState.h"
 #include "host/import/MessageNames.h"
 #include "platform/files/FileNames.h"
 #include "platform/files/ReadableFile.h"
@@ -108,6 +109,8 @@ Ref<NSMutableDictionary> FileImporter::import(NSURL* file, NSURL* place,
         return nullptr;
       }
       addTextOfHTMLBody(attributes);
+      if (auto state = maildirState(file->fileSystemRepresentation()))
+        attributes->addEntriesFromDictionary(state);
       return attributes;
     }
     // The platform knows best why a file cannot be read, should it fail once more.

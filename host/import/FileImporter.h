@@ -29,7 +29,8 @@ class FileImporter {
   /// error     required
   ///
   /// The importer is told the type that the file's name has, links not followed. Paths in what it
-  /// finds and logs are those of the file, staged or not.
+  /// finds and logs are those of the file, staged or not. Whether a message in a Maildir is read,
+  /// flagged and answered is taken from its name (MaildirState).
   Ref<NSDictionary> attributesOfFile(NSURL* file, NSURL* contents, Ref<NSError>* error);
 
  private:

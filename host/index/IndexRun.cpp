@@ -7,6 +7,7 @@
 
 #include "host/console/FerncaseErrors.h"
 #include "host/console/Interruption.h"
+#include "host/import/MaildirState.h"
 #include "host/index/FolderReader.h"
 #include "host/index/IndexedFolders.h"
 #include "platform/files/FileErrors.h"
@@ -199,7 +200,10 @@ void IndexRun::touch(const Pending& file) {
 void IndexRun::move(const KnownFile& from, const Pending& file) {
   const bool isMade = _batches.change(0, [&](StoreWriter& store, Ref<NSError>* error) {
     ++_counts.moved;
-    return store.move(from.path, file.path, remembered(file.state), error);
+    // A mail program that marks a message in a Maildir does nothing else than to rename it.
+    const auto state = maildirState(file.path);
+    return store.move(from.path, file.path, remembered(file.state), error) &&
+           (!state || store.changeStates(file.path, state, error));
   });
   if (isMade) _listener.moved(from.path, file.path);
 }

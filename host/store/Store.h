@@ -99,6 +99,10 @@ class StoreWriter final : public StoreReader {
   /// happens when it does not know the old one.
   bool move(std::string_view oldPath, std::string_view newPath, const FileState& state,
             Ref<NSError>* error);
+  /// Puts states ("com_apple_mail_read" and the like) in the place of those that were imported; the
+  /// words of the message stay. Nothing happens when they are known already, or when there is no
+  /// message.
+  bool changeStates(std::string_view path, NSDictionary* states, Ref<NSError>* error);
   /// Forgets a file and its message.
   bool remove(std::string_view path, Ref<NSError>* error);
   /// Stores that the file looks different and its content is the same.
@@ -115,6 +119,7 @@ class StoreWriter final : public StoreReader {
   bool forgetMessage(std::int64_t id, Ref<NSError>* error);
   bool runWithTexts(Statement& words, std::int64_t id, Ref<NSError>* error);
   bool removeId(std::int64_t id, Ref<NSError>* error);
+  bool changeStatesOf(std::int64_t id, NSDictionary* states, Ref<NSError>* error);
   bool rename(std::int64_t id, std::string_view oldPath, std::string_view newPath,
               Ref<NSError>* error);
   template <class Body>

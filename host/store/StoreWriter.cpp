@@ -69,6 +69,9 @@ struct StoreWriter::Statements {
                    " cc, bcc, attachment, list, body, attributes) VALUES (?1, ?2, ?3, ?4, ?5, ?6,"
                    " ?7, ?8, ?9, ?10, ?11, ?12, ?13, ?14, ?15, ?16, ?17, ?18, ?19, ?20)"),
         renameMessage(database, "UPDATE message SET file = ?2 WHERE id = ?1"),
+        changeStates(database,
+                     "UPDATE message SET is_read = ?2, is_flagged = ?3, is_replied = ?4,"
+                     " attributes = ?5 WHERE id = ?1"),
         removeMessage(database, "DELETE FROM message WHERE id = ?1"),
         texts(database,
               "SELECT subject, sender, recipient, cc, bcc, body, attachment, file, list"
@@ -82,7 +85,7 @@ struct StoreWriter::Statements {
                     " VALUES ('delete', ?1, ?2, ?3, ?4, ?5, ?6, ?7, ?8, ?9, ?10)") {}
 
   Statement idOfPath, addFile, changeFile, touchFile, removeFile, addMessage, renameMessage,
-      removeMessage, texts, addWords, removeWords;
+      changeStates, removeMessage, texts, addWords, removeWords;
 };
 
 StoreWriter::StoreWriter(std::unique_ptr<Database> database, std::unique_ptr<WriterLock> lock)
@@ -277,6 +280,33 @@ bool StoreWriter::runWithTexts(Statement& words, std::int64_t id, Ref<NSError>* 
 bool StoreWriter::forgetMessage(std::int64_t id, Ref<NSError>* error) {
   return runWithTexts(_statements->removeWords, id, error) &&
          _statements->removeMessage.bind(1, id).run(error);
+}
+
+bool StoreWriter::changeStatesOf(std::int64_t id, NSDictionary* states, Ref<NSError>* error) {
+  Ref<NSError> failure;
+  const auto known = attributesOf(id, &failure);
+  if (!known) {
+    if (failure) tell(error, failure);
+    return !failure;
+  }
+  Ref<NSMutableDictionary> all = known->mutableCopy();
+  all->addEntriesFromDictionary(states);
+  if (all->isEqual(known)) return true;
+  const auto message = storedMessage(all, error);
+  if (!message) return false;
+  Statement& row = _statements->changeStates;
+  row.bind(1, id);
+  bindFlag(row, 2, message->isRead);
+  bindFlag(row, 3, message->isFlagged);
+  bindFlag(row, 4, message->isReplied);
+  return row.bindBytes(5, message->attributes).run(error);
+}
+
+bool StoreWriter::changeStates(std::string_view path, NSDictionary* states, Ref<NSError>* error) {
+  return change(error, [&] {
+    std::int64_t id = 0;
+    return findFile(path, id, error) && (id == 0 || changeStatesOf(id, states, error));
+  });
 }
 
 bool StoreWriter::removeId(std::int64_t id, Ref<NSError>* error) {

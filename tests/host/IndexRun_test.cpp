@@ -12,6 +12,7 @@
 #include "host/index/IndexedFolders.h"
 #include "host/store/Maintenance.h"
 #include "host/store/StoreErrors.h"
+#include "platform/objects/NSNumber.h"
 #include "platform/plugins/MDImporter.h"
 #include "tests/support/FakeClock.h"
 #include "tests/support/FakeFolders.h"
@@ -115,6 +116,19 @@ class IndexRunTest : public testing::Test {
                       std::string(rows.text(1)));
     return found;
   }
+  /// "name read flagged replied" of each message; "unknown" where nothing says whether it was read.
+  std::vector<std::string> states() {
+    Statement rows(store().database(),
+                   "SELECT path, CASE is_read WHEN 1 THEN ' read' WHEN 0 THEN ' unread'"
+                   " ELSE ' unknown' END || iif(is_flagged, ' flagged', '') ||"
+                   " iif(is_replied, ' replied', '') FROM file JOIN message USING (id)"
+                   " ORDER BY path");
+    std::vector<std::string> found;
+    while (rows.step(&_error) == Statement::Step::Row)
+      found.push_back(std::string(rows.bytes(0)).substr(mail().string().size() + 1) +
+                      std::string(rows.text(1)));
+    return found;
+  }
   std::int64_t idOf(std::string_view name) {
     return store().idOfPath(path(name), &_error).value_or(0);
   }
@@ -137,6 +151,7 @@ class IndexRunTest : public testing::Test {
   }
 
   int imports = 0;
+  bool saysRead = false;
   std::function<void(const std::string& path)> duringImport;
   std::function<void(const std::string& event)> afterEvent;
   End end = End::Done;
@@ -153,6 +168,8 @@ class IndexRunTest : public testing::Test {
     const std::string content{std::istreambuf_iterator<char>(file), {}};
     if (content == "broken") return false;
     attributes->setObjectForKey(NSString::stringWithLossyUTF8(content), "kMDItemTextContent"_ns);
+    if (saysRead)
+      attributes->setObjectForKey(NSNumber::numberWithBool(true), "com_apple_mail_read"_ns);
     return true;
   }};
   IndexSettings _settings = settings();
@@ -251,6 +268,46 @@ TEST_F(IndexRunTest, RenamedFilesAndFoldersAreFollowedWithoutImporting) {
   EXPECT_EQ(idOf("out/deep/c.eml"), id);
   EXPECT_THAT(messages(), ElementsAre("out/b.eml=two", "out/deep/c.eml=three", "z.eml=one"));
   EXPECT_THAT(index(), IsEmpty());
+}
+
+TEST_F(IndexRunTest, TheStateOfAMessageInAMaildirFollowsItsName) {
+  for (auto folder : {"cur", "new", "tmp"}) fs::create_directory(mail() / folder);
+  write("new/1.host", "one");
+  write("cur/2.host:2,RS", "two");
+  write("plain.eml", "three");
+  index();
+  EXPECT_THAT(states(), ElementsAre("cur/2.host:2,RS read replied", "new/1.host unread",
+                                    "plain.eml unknown"));
+  rename("new/1.host", "cur/1.host:2,");
+  EXPECT_THAT(index(), ElementsAre("moved new/1.host cur/1.host:2,"));
+  EXPECT_THAT(states(), testing::Contains("cur/1.host:2, unread"));
+  rename("cur/1.host:2,", "cur/1.host:2,FS");
+  rename("cur/2.host:2,RS", "cur/2.host:2,R");
+  index();
+  EXPECT_EQ(counts.moved, 2u);
+  EXPECT_EQ(imports, 0);
+  EXPECT_THAT(states(), ElementsAre("cur/1.host:2,FS read flagged", "cur/2.host:2,R unread replied",
+                                    "plain.eml unknown"));
+}
+
+TEST_F(IndexRunTest, AMessageThatLeavesItsMaildirStaysWhatItWas) {
+  for (auto folder : {"cur", "new", "tmp"}) fs::create_directory(mail() / folder);
+  write("cur/1.host:2,S", "one");
+  index();
+  rename("cur/1.host:2,S", "archive/1.eml");
+  index();
+  EXPECT_EQ(imports, 0);
+  EXPECT_THAT(states(), ElementsAre("archive/1.eml read"));
+}
+
+TEST_F(IndexRunTest, WhatAnImporterSaysOfAStateHoldsOutsideOfMaildirs) {
+  saysRead = true;
+  for (auto folder : {"box/cur", "box/new"}) fs::create_directories(mail() / folder);
+  write("a.emlx", "one");
+  write("box/new/b.emlx", "two");
+  write("box/new/c.host", "three");
+  index();
+  EXPECT_THAT(states(), ElementsAre("a.emlx read", "box/new/b.emlx read", "box/new/c.host unread"));
 }
 
 TEST_F(IndexRunTest, AFileMovedAcrossVolumesIsKnownByItsContent) {

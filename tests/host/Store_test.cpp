@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include "host/store/Maintenance.h"
 #include "host/store/StoreErrors.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSDate.h"
@@ -119,6 +120,38 @@ TEST_F(StoreTest, AMovedMessageKeepsItsIdAndIsFoundByItsNewName) {
   EXPECT_EQ(found(*store, "file:old"), "");
   EXPECT_EQ(found(*store, "words"), "/m/new.eml ");
   EXPECT_EQ(found(*store, "overwritten"), "");
+}
+
+TEST_F(StoreTest, StatesChangeInTheColumnsAndInTheAttributes) {
+  auto store = writer();
+  const auto yes = NSNumber::numberWithBool(true), no = NSNumber::numberWithBool(false);
+  Ref<NSMutableDictionary> attributes = message("S", "words").get()->mutableCopy();
+  attributes->setObjectForKey(no, "com_apple_mail_read"_ns);
+  ASSERT_TRUE(store->put("/m/a.eml", {}, "hash", attributes, &error)) << said();
+  const auto states = NSDictionary::dictionaryWithPairs(
+      {{"com_apple_mail_read"_ns, yes}, {"com_apple_mail_flagged"_ns, no}});
+  ASSERT_TRUE(store->changeStates("/m/a.eml", states, &error)) << said();
+  attributes->addEntriesFromDictionary(states);
+  const auto id = store->idOfPath("/m/a.eml", &error);
+  EXPECT_TRUE(isEqual(store->attributesOf(*id, &error), attributes));
+  const auto flag = [&](const std::string& column) {
+    return store->database().integer("SELECT ifnull(" + column + ", 7) FROM message", &error);
+  };
+  EXPECT_EQ(flag("is_read"), 1);
+  EXPECT_EQ(flag("is_flagged"), 0);
+  EXPECT_EQ(flag("is_replied"), 7);
+  EXPECT_EQ(found(*store, "words"), "/m/a.eml ");
+  EXPECT_EQ(checkStore(store->path(), &error), std::vector<std::string>());
+}
+
+TEST_F(StoreTest, StatesOfWhatIsNoMessageAreNotKept) {
+  auto store = writer();
+  ASSERT_TRUE(store->putFailure("/m/a.eml", {}, "no header", &error)) << said();
+  const auto states = NSDictionary::dictionaryWithPairs(
+      {{"com_apple_mail_read"_ns, NSNumber::numberWithBool(true)}});
+  EXPECT_TRUE(store->changeStates("/m/a.eml", states, &error)) << said();
+  EXPECT_TRUE(store->changeStates("/m/unknown.eml", states, &error)) << said();
+  EXPECT_EQ(store->database().integer("SELECT count(*) FROM message", &error), 0);
 }
 
 TEST_F(StoreTest, ARemovedMessageIsFoundNoMore) {

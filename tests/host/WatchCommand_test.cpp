@@ -53,6 +53,14 @@ class WatchCommandTest : public testing::Test {
     arguments.insert(arguments.begin(), {FERNCASE_BINARY, "index", "--db", store(), "--quiet"});
     return Process(std::move(arguments)).run();
   }
+  /// What a search prints, with paths below the folder.
+  std::string found(const std::string& query) const {
+    std::string paths = Process({FERNCASE_BINARY, "search", "--db", store(), query}).run().output;
+    const std::string start = fs::canonical(_mail).string() + "/";
+    for (std::size_t at; (at = paths.find(start)) != std::string::npos;)
+      paths.erase(at, start.size());
+    return paths;
+  }
   /// The messages that the store knows, by path below the folder, with their subjects.
   std::map<std::string, std::string> stored() const {
     std::map<std::string, std::string> messages;
@@ -114,8 +122,15 @@ TEST_F(WatchCommandTest, FollowsAMaildir) {
   fs::create_hard_link(_mail / "tmp/1690.M1.host", _mail / "new/1690.M1.host");
   fs::remove(_mail / "tmp/1690.M1.host");
   EXPECT_EQ(next(watch), "added new/1690.M1.host");
+  EXPECT_EQ(found("is:unread"), "new/1690.M1.host\n");
   fs::rename(_mail / "new/1690.M1.host", _mail / "cur/1690.M1.host:2,S");
   EXPECT_EQ(next(watch), "moved new/1690.M1.host cur/1690.M1.host:2,S");
+  EXPECT_EQ(found("is:unread"), "");
+  EXPECT_EQ(found("is:read -is:flagged"), "cur/1690.M1.host:2,S\n");
+  fs::rename(_mail / "cur/1690.M1.host:2,S", _mail / "cur/1690.M1.host:2,FRS");
+  EXPECT_EQ(next(watch), "moved cur/1690.M1.host:2,S cur/1690.M1.host:2,FRS");
+  EXPECT_EQ(found("com_apple_mail_flagged == 1 && com_apple_mail_repliedTo == 1"),
+            "cur/1690.M1.host:2,FRS\n");
 }
 
 TEST_F(WatchCommandTest, LinksAndOtherFilesAreNoMessages) {

@@ -15,7 +15,8 @@ enum FerncaseErrorCode : std::int64_t {
   FerncaseNoMessagesError = 2,      // a folder without a message
   FerncaseImpossiblePathError = 3,  // a path that no file can have
   FerncaseStagingFailedError = 4,   // no private folder, or no link in it
-  FerncaseWorkerEndedError = 5      // the process that imported crashed, hung or was ended
+  FerncaseWorkerEndedError = 5,     // the process that imported crashed, hung or was ended
+  FerncaseNoWorkerError = 6         // there is no process that could import; says nothing of a file
 };
 
 /// An error of our domain. The description is shown as it is.

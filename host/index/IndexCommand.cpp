@@ -172,8 +172,9 @@ ExitCode exitCodeOf(IndexRun::End end, const IndexRun& run) {
       counts.added + counts.changed + counts.moved + counts.removed + counts.unchanged != 0;
   switch (end) {
     case IndexRun::End::Futile:
-    case IndexRun::End::NoImporter:
       return kNoneDelivered;
+    case IndexRun::End::NoImporter:  // perhaps in the middle of the work
+      return counts.added + counts.changed != 0 ? kSomeFailed : kNoneDelivered;
     case IndexRun::End::StoreFailed:
       return kUndone;
     case IndexRun::End::Interrupted:  // the signal itself ends the process

@@ -54,6 +54,11 @@ bool mayPass(NSError* error) {
           error->code() == FerncaseStagingFailedError);
 }
 
+/// Whether nothing can be imported any more, whatever the message is.
+bool isWithoutWorkers(NSError* error) {
+  return isEqual(error->domain(), FerncaseErrorDomain()) && error->code() == FerncaseNoWorkerError;
+}
+
 /// The state of a file at this moment, or why it cannot be told (an `errno` value).
 int stateNow(const std::string& path, FileState* state) {
   FolderEntry entry;
@@ -133,13 +138,15 @@ End IndexRun::importAll(const std::vector<std::string>& roots, Ref<NSError>* err
         [&] { return first ? std::exchange(first, std::nullopt) : nextInput(&failure); },
         [&](const Input&, NSDictionary* attributes, NSError* why) { take(attributes, why); });
   }
-  if (failure && error) *error = failure;
-  if (failure) return End::StoreFailed;
+  if (failure || _stop) {
+    if (error) *error = failure ? failure : _stop;
+    return failure ? End::StoreFailed : End::NoImporter;
+  }
   return Interruption::isWished() ? End::Interrupted : End::Done;
 }
 
 std::optional<Input> IndexRun::nextInput(Ref<NSError>* error) {
-  while (_batches.isGood() && !Interruption::isWished()) {
+  while (_batches.isGood() && !_stop && !Interruption::isWished()) {
     const auto difference = _plan.next(error);
     if (!difference) break;
     if (auto input = inputFor(*difference)) return input;
@@ -213,6 +220,11 @@ void IndexRun::move(const KnownFile& from, const Pending& file) {
 void IndexRun::take(NSDictionary* attributes, NSError* error) {
   const Pending file = std::move(_pending.front());
   _pending.pop_front();
+  // The next run does what is left; nothing is to be said of these files.
+  if (error && isWithoutWorkers(error)) {
+    _stop = error;
+    return;
+  }
   if (attributes)
     takeMessage(file, attributes);
   else

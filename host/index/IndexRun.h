@@ -31,7 +31,7 @@ class IndexRun {
     Done,
     Interrupted,  // because Interruption::isWished(); what was done is committed
     Futile,       // none of the folders can be read
-    NoImporter,   // the error says why; nothing was imported
+    NoImporter,   // or no process for it; the error says why, what was imported is committed
     StoreFailed   // the error says why; what was done since the last commit is undone
   };
 
@@ -87,6 +87,7 @@ class IndexRun {
   std::deque<Pending> _pending;  // in the order in which their imports are taken
   IndexCounts _counts;
   IndexCounts _committed;
+  Ref<NSError> _stop;  // why nothing more can be imported
   bool _hasTroubles = false;
 };
 

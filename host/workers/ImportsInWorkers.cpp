@@ -29,6 +29,7 @@ constexpr std::size_t kMostWorkers = 256;
 constexpr std::size_t kMostJobsPerWorker = 128;
 constexpr std::size_t kMostHeldBytes = std::size_t{64} << 20;
 constexpr unsigned kMostFailedStarts = 3;
+constexpr char kNoProcess[] = "no worker process can be started";
 
 std::size_t countOf(const ImportSettings& settings) {
   const std::size_t wanted =
@@ -85,7 +86,7 @@ bool ImportsInWorkers::startWorker(std::size_t place) {
     _workers[place] = std::make_unique<WorkerLink>(*started);
     return true;
   }
-  failToStart("no worker process can be started");
+  failToStart(kNoProcess);
   return false;
 }
 
@@ -152,7 +153,8 @@ std::optional<std::uint64_t> ImportsInWorkers::nextToGive(const Next& next) {
 void ImportsInWorkers::prepare(std::uint64_t number) {
   Job& found = job(number);
   Ref<NSError> error = found.input.error;
-  if (_failure && !error) error = endedError("The importer can’t be used: " + _failure->reason);
+  if (_failure && !error)
+    error = ferncaseError(FerncaseNoWorkerError, "The importer can’t be used: " + _failure->reason);
   const bool isStandardInput = found.input.path == kStandardInputName;
   if (!error && isStandardInput && found.copy.empty())
     found.copy = _copies.ofStandardInput(&error);
@@ -317,13 +319,14 @@ void ImportsInWorkers::lose(std::size_t place, std::string reason) {
   const std::uint64_t inHand = _progress[place].number;
   const auto status = _nursery.end(worker->identifier());
   for (const ScratchFolder* parent : {&_memory, &_disk}) makeEmpty(stagingFolder(*parent, place));
-  if (reason.empty())
-    reason = status ? endReason(*status, _settings.limits) : "No process can be started for it.";
-  if (!worker->isReady) failToStart(reason);
+  if (reason.empty()) reason = status ? endReason(*status, _settings.limits) : kNoProcess;
+  // Without the nursery all of them ended, whatever their messages are.
+  const bool isInnocent = !status || !worker->isReady;
+  if (isInnocent) failToStart(reason);
   // Those before the message in hand are done, but their results were not sent yet.
   const auto& inputs = worker->inputs();
-  const auto guilty = std::ranges::find(inputs, inHand);
-  const auto blamed = guilty != inputs.end() || !worker->isReady ? guilty : inputs.begin();
+  const auto guilty = status ? std::ranges::find(inputs, inHand) : inputs.end();
+  const auto blamed = guilty != inputs.end() || isInnocent ? guilty : inputs.begin();
   if (blamed != inputs.end()) finish(*blamed, endedError(reason));
   for (auto input = inputs.rbegin(); input != inputs.rend(); ++input) {
     if (blamed != inputs.end() && *input == *blamed) continue;

@@ -17,6 +17,7 @@
 #include "tests/support/FakeClock.h"
 #include "tests/support/FakeFolders.h"
 #include "tests/support/FakeImporter.h"
+#include "tests/support/OwnChildren.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kbx {
@@ -516,6 +517,30 @@ TEST_F(IndexRunTest, AStoreThatFailsEndsTheRunAndKeepsWhatWasCommitted) {
   index();
   EXPECT_EQ(end, End::Done);
   EXPECT_EQ(messages().size(), 5u);
+}
+
+TEST_F(IndexRunTest, WithoutProcessesTheRunEndsAndMarksNothing) {
+  constexpr int kMessages = 600;  // more than a worker has in hand
+  for (int i = 0; i < kMessages; ++i) write(std::to_string(i) + ".eml", "text");
+  _settings.imports.isIsolated = true;
+  _settings.imports.workers = 1;
+  _settings.batch.files = 1;
+  bool isKilled = false;
+  afterEvent = [&](const std::string&) {
+    if (!std::exchange(isKilled, true)) killChildren();
+  };
+  const auto events = index();
+  EXPECT_EQ(end, End::NoImporter);
+  EXPECT_THAT(_error->localizedDescription()->lossyUTF8(),
+              HasSubstr("no worker process can be started"));
+  EXPECT_THAT(events, testing::Each(testing::StartsWith("added ")));
+  EXPECT_EQ(counts.failed, 0u);
+  EXPECT_EQ(counts.added, messages().size());
+  EXPECT_LT(counts.added, std::uint64_t{kMessages});
+  index();
+  EXPECT_EQ(end, End::Done);
+  EXPECT_EQ(counts.stillFailed, 0u);
+  EXPECT_EQ(messages().size(), std::size_t{kMessages});
 }
 
 TEST_F(IndexRunTest, WithoutAnImporterNothingIsLost) {

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "mail/ASCII.h"
+#include "mail/HTMLMarkup.h"
 
 namespace kbx {
 namespace {
@@ -14,7 +15,9 @@ struct Raw {
   std::string_view name;
   std::string_view closing;
 };
-constexpr Raw kRaw[] = {{"script", "</script>"}, {"style", "</style>"}, {"title", "</title>"}};
+constexpr Raw kRaw[] = {{"script", "</script>"}, {"style", "</style>"},
+                        {"title", "</title>"},   {"textarea", "</textarea>"},
+                        {"xmp", "</xmp>"},       {"noframes", "</noframes>"}};
 
 const Raw* rawElementAt(std::string_view tag) {
   for (const Raw& raw : kRaw) {
@@ -30,6 +33,12 @@ std::size_t endTag(std::string_view html, std::size_t from, const Raw& raw) {
   for (std::size_t at = html.find("</", from); at != kNone; at = html.find("</", at + 2))
     if (startsWithWord(html.substr(at + 2, raw.name.size()), raw.name)) return at;
   return kNone;
+}
+
+/// What closes a tag that the HTML ends in, and the value that may be open there: one in quotes of
+/// either kind, or one that has not begun.
+std::string_view closingOfTag(std::string_view html) {
+  return trimmed(html).ends_with('=') ? ">" : "\"'>";
 }
 
 }  // namespace
@@ -58,21 +67,10 @@ std::string htmlFromPlainText(std::string_view text) {
 std::string_view closingOfHTML(std::string_view html) {
   for (std::size_t at = html.find('<'); at != kNone; at = html.find('<', at)) {
     const std::string_view tag = html.substr(at + 1);
-    if (tag.starts_with("!--")) {
-      at = html.find("-->", at + 4);
-      if (at == kNone) return "-->";
-      continue;
-    }
-    const bool isTag =
-        !tag.empty() && (isASCIIAlphanumeric(tag[0]) || tag[0] == '/' || tag[0] == '!');
-    if (!isTag) {
-      ++at;
-      continue;
-    }
-    at = html.find('>', at);
-    if (at == kNone) return "\"'>";  // a value's quotation mark may be open as well
-    const Raw* raw = rawElementAt(tag);
-    if (raw) at = endTag(html, at, *raw);
+    const std::size_t end = markupEnd(html, at);
+    if (end == kNone) return tag.starts_with("!--") ? "-->" : closingOfTag(html);
+    const Raw* const raw = end == at ? nullptr : rawElementAt(tag);
+    at = raw ? endTag(html, end, *raw) : std::max(end, at + 1);
     if (at == kNone) return raw->closing;
   }
   return {};

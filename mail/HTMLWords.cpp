@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "mail/ASCII.h"
+#include "mail/HTMLMarkup.h"
 
 namespace kbx {
 namespace {
@@ -123,6 +124,11 @@ void appendUTF8(std::string& text, std::uint32_t c) {
     text += static_cast<char>(0xE0 | (c >> 12));
     text += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
     text += static_cast<char>(0x80 | (c & 0x3F));
+  } else if (c < 0x110000) {
+    text += static_cast<char>(0xF0 | (c >> 18));
+    text += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
+    text += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
+    text += static_cast<char>(0x80 | (c & 0x3F));
   }
 }
 
@@ -176,21 +182,22 @@ class ShownText {
   }
 
   void takeTag() {
-    if (_html.substr(_at).starts_with("<!--")) return skipPast("-->", _at + 4);
-    std::size_t name = _at + 1;
-    const bool isEnd = name < _html.size() && _html[name] == '/';
-    if (isEnd) ++name;
-    std::size_t end = name;
-    while (end < _html.size() && isASCIIAlphanumeric(_html[end])) ++end;
-    const std::string_view tag = _html.substr(name, end - name);
-    if (tag.empty() && !(name < _html.size() && (_html[name] == '!' || _html[name] == '?'))) {
+    const std::size_t start = _at;
+    _at = std::min(markupEnd(_html, start), _html.size());
+    if (_at == start) {
       _words.end();  // a mark that begins no tag
       ++_at;
       return;
     }
+    if (_html.substr(start, 4) == "<!--") return;
+    const bool isEnd = _html[start + 1] == '/';
+    const std::size_t name = start + (isEnd ? 2 : 1);
+    std::size_t end = name;
+    while (end < _at && isASCIIAlphanumeric(_html[end])) ++end;
+    const std::string_view tag = _html.substr(name, end - name);
     if (!isInline(tag)) _words.end();
-    skipPast(">", end);
-    if (!isEnd) skipHidden(tag);
+    // In XHTML an empty element hides nothing.
+    if (!isEnd && !_html.substr(start, _at - start).ends_with("/>")) skipHidden(tag);
   }
 
   /// Elements within a word.
@@ -198,11 +205,6 @@ class ShownText {
     for (std::string_view known : {"b", "i", "u", "em", "strong", "span", "font", "a", "wbr", "s"})
       if (isSameWord(tag, known)) return true;
     return false;
-  }
-
-  void skipPast(std::string_view closing, std::size_t from) {
-    const std::size_t end = _html.find(closing, from);
-    _at = end == kNone ? _html.size() : end + closing.size();
   }
 
   void skipHidden(std::string_view tag) {

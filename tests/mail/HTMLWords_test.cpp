@@ -25,6 +25,13 @@ TEST(HTMLWords, WhatIsHiddenIsNotCompared) {
   EXPECT_TRUE(plainHasAll("a", "a<p open"));
 }
 
+TEST(HTMLWords, WhatOnlyLooksHiddenIsCompared) {
+  for (std::string_view html :
+       {"a<!-->b", "a<!--->b", "a<!-- c --!>b", "a<img alt='> <!--'>b", "a <3 b", "<title/>a b",
+        "a<img alt = \"> <style>\">b", "a<img alt=c'>b<i title='>", "a<!d e='>b<p title='>"})
+    EXPECT_FALSE(plainHasAll("a", html)) << html;
+}
+
 TEST(HTMLWords, MarksWithinAWordDoNotPartIt) {
   EXPECT_TRUE(plainHasAll("word", "w<b>or</b>d"));
   EXPECT_FALSE(plainHasAll("word", "wo<td>rd"));
@@ -34,6 +41,8 @@ TEST(HTMLWords, EntitiesAreLettersAndPunctuation) {
   EXPECT_TRUE(plainHasAll("caf\xC3\xA9 a b", "caf&eacute;&nbsp;a&#160;b"));
   EXPECT_TRUE(plainHasAll("caf\xC3\xA9", "caf&#233; caf&#xE9;"));
   EXPECT_TRUE(plainHasAll("don't", "don&rsquo;t don\xE2\x80\x99t"));
+  EXPECT_TRUE(plainHasAll("\xF0\x9F\x98\x80", "&#128512; &#x1F600;"));
+  EXPECT_FALSE(plainHasAll("x", "x &#128512;"));
   EXPECT_FALSE(plainHasAll("x", "x&unknown;"));
   EXPECT_TRUE(plainHasAll("1 2", "1 < 2 & 1 <"));
 }

@@ -8,6 +8,30 @@ namespace {
 
 constexpr std::size_t kLongest = 1 << 15;  // of a name or an address; the rest is cut off
 
+std::string withoutComments(std::string_view text) {
+  std::string result;
+  int depth = 0;
+  for (char c : text) {
+    depth += c == '(';
+    if (depth == 0) result += c;
+    depth -= c == ')' && depth > 0;
+  }
+  return std::string(trimmed(result));
+}
+
+/// Blanks around an address's dots and its sign are no part of it.
+std::string tightened(std::string_view text) {
+  std::string address;
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    const std::size_t next = std::min(text.find_first_not_of(' ', i), text.size() - 1);
+    const bool isBehindMark = !address.empty() && (address.back() == '.' || address.back() == '@');
+    const bool isBeforeMark = text[next] == '.' || text[next] == '@';
+    if (text[i] != ' ' || (!isBehindMark && !isBeforeMark)) address += text[i];
+    if (text[i] == ' ') i = next - 1;
+  }
+  return address;
+}
+
 /// Reads one value from left to right, a character at a time.
 class AddressReader {
  public:
@@ -40,10 +64,24 @@ class AddressReader {
         return;
       case '[':
         return takeUpTo(']');
+      case '=':
+        return takeWord();
+      case '>':
+        // Behind an address it is one too many.
+        if (!_hasAngle) _phrase += c;
+        ++_at;
+        return;
       default:
         _phrase += c;
         ++_at;
     }
+  }
+
+  /// An encoded word is text, whatever characters its writer left as they are.
+  void takeWord() {
+    const std::size_t length = std::max<std::size_t>(encodedWordLength(_text.substr(_at)), 1);
+    _phrase += _text.substr(_at, length);
+    _at += length;
   }
 
   void takeUpTo(char closing) {
@@ -128,21 +166,14 @@ class AddressReader {
     clear();
   }
 
-  /// An address may have been encoded as if it were a phrase. Blanks around its dots and its sign
-  /// are no part of it.
+  /// An address may have been encoded as if it were a phrase.
   std::string addressText(std::string_view bytes) {
-    const std::string text = headerText(bytes, _decoder);
-    if (text.find(' ') == std::string::npos || text.find('@') == std::string::npos) return text;
-    std::string address;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-      const std::size_t next = std::min(text.find_first_not_of(' ', i), text.size() - 1);
-      const bool isBehindMark =
-          !address.empty() && (address.back() == '.' || address.back() == '@');
-      const bool isBeforeMark = text[next] == '.' || text[next] == '@';
-      if (text[i] != ' ' || (!isBehindMark && !isBeforeMark)) address += text[i];
-      if (text[i] == ' ') i = next - 1;
-    }
-    return address;
+    std::string text = headerText(bytes, _decoder);
+    if (startsWithWord(text, "mailto:")) text.erase(0, 7);
+    if (text.find('(') != std::string::npos && !text.starts_with('"')) text = withoutComments(text);
+    const bool isToTighten =
+        text.find(' ') != std::string::npos && text.find('@') != std::string::npos;
+    return isToTighten ? tightened(text) : text;
   }
 
   void clear() {

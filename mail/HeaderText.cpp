@@ -8,13 +8,43 @@ namespace {
 
 constexpr std::size_t kNone = std::string_view::npos;
 
-/// "=?charset?B?bytes?=" and the place behind it.
+/// "=?charset?B?bytes?=".
 struct EncodedWord {
   std::string_view charset;
   char encoding = 0;
   std::string_view bytes;
-  std::size_t end = 0;
+  std::size_t length = 0;  // of all of it
 };
+
+/// Where "?=" closes a word whose bytes begin at `start`; none where another word begins before,
+/// so that a text full of beginnings is searched once.
+std::size_t closingOf(std::string_view text, std::size_t start) {
+  for (std::size_t at = text.find('?', start); at != kNone; at = text.find('?', at + 1)) {
+    if (text.substr(at + 1).starts_with('=')) return at;
+    if (at > start && text[at - 1] == '=') break;
+  }
+  return kNone;
+}
+
+/// Reads the word that the text begins with; false without one.
+bool readWord(std::string_view text, EncodedWord* word) {
+  constexpr std::size_t kLongestCharset = 75;
+  if (!text.starts_with("=?")) return false;
+  const std::string_view head = text.substr(2, kLongestCharset + 3);
+  const std::size_t mark = head.find('?');
+  if (mark == kNone || mark == 0 || mark + 2 >= head.size() || head[mark + 2] != '?') return false;
+  word->charset = head.substr(0, mark);
+  if (word->charset.find_first_of(" \t=") != kNone) return false;
+  word->charset = word->charset.substr(0, word->charset.find('*'));  // a language follows
+  word->encoding = asciiLower(head[mark + 1]) == 'b' ? 'B' : 'Q';
+  if (word->encoding == 'Q' && asciiLower(head[mark + 1]) != 'q') return false;
+  const std::size_t bytes = 2 + mark + 3;
+  const std::size_t closing = closingOf(text, bytes);
+  if (closing == kNone) return false;
+  word->bytes = text.substr(bytes, closing - bytes);
+  word->length = closing + 2;
+  return true;
+}
 
 class WordReader {
  public:
@@ -25,7 +55,7 @@ class WordReader {
       const std::size_t start = _text.find("=?", _at);
       if (start == kNone) break;
       EncodedWord word;
-      if (wordAt(start, &word))
+      if (readWord(_text.substr(start), &word))
         takeWord(start, word);
       else
         takePlain(start + 2);
@@ -36,33 +66,6 @@ class WordReader {
   }
 
  private:
-  /// The first "?=" from here on. Remembered, so that text full of beginnings is searched once.
-  std::size_t closingFrom(std::size_t place) {
-    if (_closing == kNone || _closing >= place) return _closing == kNone ? kNone : _closing;
-    return _closing = _text.find("?=", place);
-  }
-
-  bool wordAt(std::size_t start, EncodedWord* word) {
-    constexpr std::size_t kLongestCharset = 75;
-    const std::string_view head = _text.substr(start + 2, kLongestCharset + 3);
-    const std::size_t mark = head.find('?');
-    if (mark == kNone || mark == 0 || mark + 2 >= head.size() || head[mark + 2] != '?')
-      return false;
-    word->charset = head.substr(0, mark);
-    if (word->charset.find_first_of(" \t=") != kNone) return false;
-    word->charset = word->charset.substr(0, word->charset.find('*'));  // a language follows
-    word->encoding = asciiLower(head[mark + 1]) == 'b' ? 'B' : 'Q';
-    if (word->encoding == 'Q' && asciiLower(head[mark + 1]) != 'q') return false;
-    const std::size_t bytes = start + 2 + mark + 3;
-    const std::size_t closing = closingFrom(bytes);
-    if (closing == kNone) return false;
-    word->bytes = _text.substr(bytes, closing - bytes);
-    word->end = closing + 2;
-    // What holds the beginning of another word is not closed itself.
-    if (word->bytes.find("=?") != kNone) return false;
-    return true;
-  }
-
   void takeWord(std::size_t start, const EncodedWord& word) {
     const std::string_view between = _text.substr(_at, start - _at);
     const bool isNeighbour = _hasWords && trimmed(between).empty();
@@ -71,7 +74,7 @@ class WordReader {
     _charset = word.charset;
     _hasWords = true;
     _bytes += decodedWord(word.bytes, word.encoding);
-    _at = word.end;
+    _at = start + word.length;
   }
 
   void takePlain(std::size_t end) {
@@ -91,7 +94,6 @@ class WordReader {
   const std::string_view _text;
   TextDecoder& _decoder;
   std::size_t _at = 0;
-  std::size_t _closing = 0;
   std::string _result;
   std::string _bytes;  // of words whose text is not made yet
   std::string_view _charset;
@@ -119,6 +121,11 @@ std::string unfolded(std::string_view raw) {
     at = std::min(raw.find_first_not_of(" \t\r\n", end), raw.size());
   }
   return line;
+}
+
+std::size_t encodedWordLength(std::string_view text) {
+  EncodedWord word;
+  return readWord(text, &word) ? word.length : 0;
 }
 
 std::string headerText(std::string_view raw, TextDecoder& decoder) {

@@ -26,6 +26,20 @@ TEST(Addresses, HaveANameInFrontOrInAComment) {
   EXPECT_EQ(all("\"=?utf-8?q?Ren=C3=A9?=\" <r@x.org>"), "René<r@x.org>");
 }
 
+TEST(Addresses, EncodedWordsMayHoldMarksOfAddresses) {
+  EXPECT_EQ(all("=?utf-8?Q?Doe,_John?= <j@x.org>"), "Doe, John<j@x.org>");
+  EXPECT_EQ(all("=?utf-8?Q?John_(Sales)?= <j@x.org>"), "John (Sales)<j@x.org>");
+  EXPECT_EQ(all("=?utf-8?Q?a:b;c?= <j@x.org>, k@x.org"), "a:b;c<j@x.org>|<k@x.org>");
+  EXPECT_EQ(all("=?utf-8?B?RG9l?= =?utf-8?Q?,_J?= <j@x.org>"), "Doe, J<j@x.org>");
+  EXPECT_EQ(all("a=b <j@x.org>, =?utf-8?Q?c <k@x.org>"), "a=b<j@x.org>|=?utf-8?Q?c<k@x.org>");
+}
+
+TEST(Addresses, WhatIsNoPartOfAnAddressIsDropped) {
+  EXPECT_EQ(all("Pete <pete(his account)@x.org(his host)>"), "Pete<pete@x.org>");
+  EXPECT_EQ(all("Pete <mailto:pete@x.org>"), "Pete<pete@x.org>");
+  EXPECT_EQ(all("Pete <pete@x.org>>, b@x"), "Pete<pete@x.org>|<b@x>");
+}
+
 TEST(Addresses, AreSeparatedByCommasAndSemicolons) {
   EXPECT_EQ(all("a@x, b@x;\n c@x,, ,"), "<a@x>|<b@x>|<c@x>");
 }
@@ -58,7 +72,8 @@ TEST(Addresses, LiteralDomainsMayHoldColons) {
 TEST(Addresses, HostileValuesCostTimeInProportion) {
   TextDecoder decoder;
   EXPECT_EQ(mailboxes(repeated("\"N\" <a@b.c>, ", 50000), decoder).size(), 50000u);
-  for (std::string_view piece : {"(", "<a,", "\"", "[", ":", "\\", "a@b ", "(\\"})
+  for (std::string_view piece :
+       {"(", "<a,", "\"", "[", ":", "\\", "a@b ", "(\\", "=?", "=?a?q?", "<(", "<a>>"})
     mailboxes(repeated(piece, 500000), decoder);
 }
 

@@ -135,7 +135,8 @@ void AttributeWriter::setDates(NSDictionary* properties) {
   std::optional<double> sent = dateOf(_header[HeaderField::Date]);
   if (!sent) sent = listedDate(properties, "date-sent"_ns);
   std::optional<double> received = listedDate(properties, "date-received"_ns);
-  if (!received) received = receivedDateOf(_header.received());
+  for (std::string_view one : _header.received())
+    if (!received) received = receivedDateOf(one);
   if (!received) received = sent;
   setDate("com_apple_mail_dateSent"_ns, sent);
   setDate("com_apple_mail_dateReceived"_ns, received);

@@ -55,7 +55,8 @@ HeaderFields::HeaderFields(std::string_view header) {
 }
 
 void HeaderFields::add(std::string_view name, std::string_view value) {
-  if (_received.empty() && isSameWord(name, "received")) _received = value;
+  if (_receivedCount < _received.size() && isSameWord(name, "received"))
+    _received[_receivedCount++] = value;
   for (std::size_t i = 0; i < _values.size(); ++i) {
     if (!isSameWord(name, kNames[i])) continue;
     if (!_values[i].data()) _values[i] = value;

@@ -2,7 +2,9 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -50,14 +52,15 @@ class HeaderFields {
   std::string_view operator[](HeaderField field) const {
     return _values[static_cast<std::size_t>(field)];
   }
-  /// The raw value of the topmost Received field, which is the newest; empty without one.
-  std::string_view received() const { return _received; }
+  /// The raw values of the topmost Received fields, at most 16. The newest comes first.
+  std::span<const std::string_view> received() const { return {_received.data(), _receivedCount}; }
 
  private:
   void add(std::string_view name, std::string_view value);
 
   std::array<std::string_view, static_cast<std::size_t>(HeaderField::Count)> _values;
-  std::string_view _received;
+  std::array<std::string_view, 16> _received;
+  std::size_t _receivedCount = 0;
 };
 
 /// The length of the field name at the start of a line, which a colon follows; 0 without one.

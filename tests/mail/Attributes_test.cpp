@@ -122,6 +122,11 @@ TEST(Attributes, TheDateOfArrivalIsTheTransportsElseTheSenders) {
   EXPECT_EQ(attribute("Received: from a; nonsense\nDate: Wed, 10 Jan 2024 15:02:47 +0000\n\n",
                       "com_apple_mail_dateReceived"),
             "2024-01-10 15:02:47 +0000");
+  EXPECT_EQ(attribute("Received: by a with id 7\nReceived: by b; nonsense\n"
+                      "Received: by c; Wed, 10 Jan 2024 15:02:48 +0000\n"
+                      "Received: by d; Wed, 10 Jan 2024 15:02:47 +0000\n\n",
+                      "com_apple_mail_dateReceived"),
+            "2024-01-10 15:02:48 +0000");
 }
 
 TEST(Attributes, TheFirstOfTwoFieldsWins) {

@@ -27,6 +27,60 @@ bool isNoBase64(std::string_view start) {
   return wrong * 20 > right;
 }
 
+/// Whether what stands at the start is surely base64, although text may follow: letters of it up to
+/// its end, too many for a word.
+bool startsWithBase64(std::string_view start) {
+  constexpr std::size_t kTooLongForAWord = 20;
+  start = start.substr(0, start.find("\n\n"));
+  start = start.substr(0, start.find('='));
+  return start.size() >= kTooLongForAWord && std::ranges::all_of(start, [](char c) {
+           return isBase64Letter(c) || c == '\r' || c == '\n';
+         });
+}
+
+/// The place behind an equals sign or an empty line, with which base64 may end; npos without one.
+std::size_t possibleEnd(std::string_view bytes, bool isAtLine) {
+  if (isAtLine && bytes.starts_with('\n')) return 1;
+  const std::size_t padding = bytes.find('=');
+  const std::size_t gap = bytes.substr(0, padding).find("\n\n");
+  if (gap != std::string_view::npos) return gap + 2;
+  return padding == std::string_view::npos ? padding : padding + 1;
+}
+
+std::string_view firstLine(std::string_view text) {
+  text = text.substr(0, text.find('\n'));
+  if (text.ends_with('\r')) text.remove_suffix(1);
+  return text;
+}
+
+/// The bytes of one line of uuencode, whose last blanks may be gone.
+void appendUUDecoded(std::string& bytes, std::string_view line) {
+  const auto sixBits = [&](std::size_t i) {
+    return i < line.size() ? (static_cast<unsigned>(line[i]) - ' ') & 0x3F : 0U;
+  };
+  const std::size_t count = sixBits(0);
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t first = 1 + i / 3 * 4 + i % 3;
+    const auto shift = static_cast<unsigned>(2 * (i % 3 + 1));
+    bytes += static_cast<char>(sixBits(first) << shift | sixBits(first + 1) >> (6 - shift));
+  }
+}
+
+/// Text with the data in it decoded that stands between the lines "begin …" and "end".
+std::string uudecoded(std::string text) {
+  const std::string_view all = text;
+  const std::size_t begin = all.starts_with("begin ") ? 0 : all.find("\nbegin ");
+  if (begin == std::string_view::npos) return text;
+  std::size_t at = begin == 0 ? begin : begin + 1;
+  std::string result(all.substr(0, at));
+  while ((at = all.find('\n', at)) != std::string_view::npos && ++at < all.size()) {
+    const std::string_view line = firstLine(all.substr(at));
+    if (line == "end") return result += all.substr(at + line.size());
+    appendUUDecoded(result, line);
+  }
+  return result;
+}
+
 std::size_t decode(GMimeEncoding* state, std::string_view bytes, std::string* out) {
   const std::size_t before = out->size();
   out->resize(before + g_mime_encoding_outlen(state, bytes.size()));
@@ -40,7 +94,9 @@ std::size_t decode(GMimeEncoding* state, std::string_view bytes, std::string* ou
 
 TransferDecoder::Kind TransferDecoder::kindOf(std::string_view encoding) {
   encoding = trimmed(encoding);
-  encoding = encoding.substr(0, encoding.find_first_of(" \t\r\n;("));
+  if (encoding.starts_with('(')) encoding = trimmed(encoding.substr(encoding.find(')') + 1));
+  if (encoding.starts_with('"')) encoding.remove_prefix(1);
+  encoding = encoding.substr(0, encoding.find_first_of(" \t\r\n;(\""));
   if (isSameWord(encoding, "base64")) return Kind::Base64;
   if (isSameWord(encoding, "quoted-printable")) return Kind::QuotedPrintable;
   for (std::string_view name : {"x-uuencode", "uuencode", "x-uue"})
@@ -50,34 +106,67 @@ TransferDecoder::Kind TransferDecoder::kindOf(std::string_view encoding) {
 
 TransferDecoder::TransferDecoder(std::string_view encoding)
     : _kind(kindOf(encoding)), _state(std::make_unique<_GMimeEncoding>()) {
-  g_mime_encoding_init_decode(_state.get(), _kind == Kind::Base64 ? GMIME_CONTENT_ENCODING_BASE64
-                                            : _kind == Kind::UUEncode
-                                                ? GMIME_CONTENT_ENCODING_UUENCODE
-                                                : GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE);
+  initState();
 }
 
 TransferDecoder::~TransferDecoder() = default;
 
+void TransferDecoder::initState() {
+  g_mime_encoding_init_decode(_state.get(), _kind == Kind::Base64
+                                                ? GMIME_CONTENT_ENCODING_BASE64
+                                                : GMIME_CONTENT_ENCODING_QUOTEDPRINTABLE);
+}
+
 void TransferDecoder::add(std::string_view bytes) {
-  if (_kind == Kind::Base64 && !_hasBegun) {
-    const std::size_t missing = std::min(kTelling - _start.size(), bytes.size());
-    _start += bytes.substr(0, missing);
-    if (_start.size() < kTelling) return;
-    begin();
-    add(bytes.substr(missing));
-  } else if (_kind == Kind::Base64 || _kind == Kind::QuotedPrintable) {
+  if (_kind == Kind::Base64)
+    addBase64(bytes);
+  else if (_kind == Kind::QuotedPrintable)
     step(bytes);
-  } else {
+  else
     _decoded += bytes;
+}
+
+void TransferDecoder::addBase64(std::string_view bytes) {
+  while (!bytes.empty()) {
+    if (!_hasBegun) {
+      const std::size_t missing = std::min(kTelling - _start.size(), bytes.size());
+      _start += bytes.substr(0, missing);
+      bytes.remove_prefix(missing);
+      if (_start.size() < kTelling) return;
+      begin();
+      if (_kind != Kind::Base64) return add(bytes);
+      continue;
+    }
+    const std::size_t end = possibleEnd(bytes, _isAtLine);
+    const std::string_view piece = bytes.substr(0, end);
+    bytes.remove_prefix(piece.size());
+    step(piece);
+    _isAtLine = piece.ends_with('\n');
+    if (piece.ends_with('=')) finishBase64();
+    if (end != std::string_view::npos && _endsLeft > 0) {
+      --_endsLeft;
+      _hasBegun = false;
+    }
   }
 }
 
-/// Decides by what has come so far whether it is base64 at all.
+/// Decides by what has come since the start, or since a possible end, whether it is base64 at all.
 void TransferDecoder::begin() {
   _hasBegun = true;
-  if (isNoBase64(_start)) _kind = Kind::None;
   const std::string start = std::exchange(_start, {});
+  if (isNoBase64(start) && !startsWithBase64(start)) {
+    finishBase64();
+    _kind = Kind::None;
+    const bool isInLine = !_decoded.empty() && !_decoded.ends_with('\n');
+    if (isInLine && !start.starts_with('\n')) _decoded += '\n';
+  }
   add(start);
+}
+
+/// Takes out what missing padding keeps in the library's decoder. More base64 may follow.
+void TransferDecoder::finishBase64() {
+  step("===");
+  initState();
 }
 
 void TransferDecoder::step(std::string_view bytes) {
@@ -86,23 +175,10 @@ void TransferDecoder::step(std::string_view bytes) {
     decode(_state.get(), bytes.substr(0, kPiece), &_decoded);
 }
 
-void TransferDecoder::skipToUUEncodedData() {
-  const std::size_t begin = _decoded.starts_with("begin ") ? 0 : _decoded.find("\nbegin ");
-  if (begin == std::string::npos) return;
-  const std::size_t data = _decoded.find('\n', begin + 1);
-  if (data == std::string::npos) return;
-  std::string encoded = _decoded.substr(data + 1);
-  _decoded.clear();
-  _state->state = GMIME_UUDECODE_STATE_BEGIN;
-  step(encoded);
-}
-
 std::string TransferDecoder::take() {
-  if (!_hasBegun) begin();
-  if (_kind == Kind::UUEncode) skipToUUEncodedData();
-  // Missing padding keeps the last bytes in the decoder.
-  if (_kind == Kind::Base64) step("===");
-  return std::move(_decoded);
+  while (_kind == Kind::Base64 && !_hasBegun) begin();
+  if (_kind == Kind::Base64) finishBase64();
+  return _kind == Kind::UUEncode ? uudecoded(std::move(_decoded)) : std::move(_decoded);
 }
 
 std::string decodedWord(std::string_view bytes, char encoding) {

@@ -11,6 +11,18 @@ namespace {
 
 constexpr std::size_t kMostParameters = 4096;
 
+/// Whether a parameter begins here that is customary in mail: what its writer left out is the
+/// semicolon in front of it.
+bool beginsUsualParameter(std::string_view text) {
+  for (std::string_view name : {"boundary", "charset", "delsp", "filename", "format", "micalg",
+                                "name", "protocol", "reply-type", "size", "smime-type", "type"}) {
+    if (!startsWithWord(text, name)) continue;
+    const std::size_t mark = text.find_first_not_of("*0123456789 \t", name.size());
+    if (mark != std::string_view::npos && text[mark] == '=') return true;
+  }
+  return false;
+}
+
 /// Walks the bytes of a value from token to token.
 class Scanner {
  public:
@@ -34,6 +46,19 @@ class Scanner {
     _at = std::min(_text.find_first_of(stops, _at), _text.size());
     return trimmed(_text.substr(start, _at - start));
   }
+  /// A value without quotes.
+  std::string bare() {
+    const std::size_t start = _at;
+    while (!isAtEnd() && next() != ';' && !isBeforeParameter()) skip();
+    return std::string(trimmed(_text.substr(start, _at - start)));
+  }
+  /// Goes to the name of the next parameter. What stands before it belongs to nothing.
+  void skipToParameter() {
+    while (!isAtEnd() && next() != ';' && !isBeforeParameter()) skip();
+    if (isAtEnd()) return;
+    skip();
+    skipSpaceAndComments();
+  }
   /// Without its quotes and backslashes; to the end when the closing quote is missing.
   std::string quoted() {
     std::string value;
@@ -46,6 +71,9 @@ class Scanner {
   }
 
  private:
+  bool isBeforeParameter() const {
+    return isSpace(next()) && beginsUsualParameter(_text.substr(_at + 1));
+  }
   void skipComment() {
     int depth = 0;
     for (; !isAtEnd(); skip()) {
@@ -96,16 +124,14 @@ ContentField::ContentField(std::string_view raw) {
   scanner.skipSpaceAndComments();
   _value = lowercase(scanner.token("; \t("));
   while (!scanner.isAtEnd() && _parameters.size() < kMostParameters) {
-    scanner.token(";");  // what stands before the semicolon belongs to nothing
+    scanner.skipToParameter();
     if (scanner.isAtEnd()) return;
-    scanner.skip();
-    scanner.skipSpaceAndComments();
     const std::string_view name = scanner.token("=;");
     if (scanner.isAtEnd() || scanner.next() != '=') continue;
     scanner.skip();
     scanner.skipSpaceAndComments();
     const bool isQuoted = !scanner.isAtEnd() && scanner.next() == '"';
-    addParameter(name, isQuoted ? scanner.quoted() : std::string(scanner.token(";")));
+    addParameter(name, isQuoted ? scanner.quoted() : scanner.bare());
   }
 }
 

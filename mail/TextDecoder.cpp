@@ -39,10 +39,18 @@ constexpr Customary kCustomary[] = {
     {"big5", "big5-hkscs"},
 };
 
+/// A name as people write it: in the other kind of quotes, or with something behind it.
+std::string_view bareName(std::string_view charset) {
+  charset = trimmed(charset);
+  if (charset.starts_with('\'')) charset.remove_prefix(1);
+  return charset.substr(0, charset.find_first_of(" \t'\";,"));
+}
+
 /// The name for the conversion library; empty for what is no name at all. The library takes options
 /// and paths in names, which are none of a message's business.
 std::string libraryName(std::string_view charset) {
   constexpr std::size_t kLongest = 40;
+  charset = bareName(charset);
   if (charset.empty() || charset.size() > kLongest) return {};
   for (char c : charset)
     if (!isASCIIAlphanumeric(c) && std::string_view("-_.:+()").find(c) == std::string_view::npos)
@@ -56,8 +64,8 @@ bool isPlainUTF8(std::string_view name) {
   return name.empty() || name == "utf-8" || name == "utf8" || name == "us-ascii" || name == "ascii";
 }
 
-/// Whether there are bytes that ISO 8859-1 keeps for control characters. Who writes them means the
-/// quotation marks and dashes that windows-1252 has there.
+/// Whether there are bytes that ISO 8859 keeps for control characters. Who writes them means the
+/// quotation marks and dashes that the charsets of Windows have there.
 bool hasHighControls(std::string_view bytes) {
   return std::ranges::any_of(bytes, [](char c) {
     return static_cast<unsigned char>(c) >= 0x80 && static_cast<unsigned char>(c) < 0xA0;
@@ -108,8 +116,11 @@ std::string TextDecoder::text(std::string bytes, std::string_view charset) {
   if (isPlainUTF8(name)) {
     if (isUTF8(bytes)) return withoutNULs(std::move(bytes));
   } else {
-    const bool isLatin1 = name == "iso-8859-1" && hasHighControls(bytes) && !isUTF8(bytes);
-    auto text = converted(bytes, isLatin1 ? "windows-1252" : name.c_str(), false);
+    const char* const larger = name == "iso-8859-1"   ? "windows-1252"
+                               : name == "iso-8859-9" ? "windows-1254"
+                                                      : nullptr;
+    const bool isMeant = larger && hasHighControls(bytes) && !isUTF8(bytes);
+    auto text = converted(bytes, isMeant ? larger : name.c_str(), false);
     if (text) return withoutNULs(std::move(*text));
     if (isUTF8(bytes)) return withoutNULs(std::move(bytes));
   }

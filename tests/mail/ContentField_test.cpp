@@ -32,6 +32,15 @@ TEST(ContentField, AMissingQuoteEndsWithTheValue) {
   EXPECT_EQ(parameter("a/b; name=\"c.txt"), "c.txt");
 }
 
+TEST(ContentField, TheSemicolonBeforeAUsualParameterMayBeMissing) {
+  EXPECT_EQ(parameter("text/plain charset=x", "charset"), "x");
+  EXPECT_EQ(parameter("text/plain; charset=x format=flowed", "charset"), "x");
+  EXPECT_EQ(parameter("text/plain; charset=x format=flowed", "format"), "flowed");
+  EXPECT_EQ(parameter("attachment; size=3 filename=\"a.txt\"", "filename"), "a.txt");
+  EXPECT_EQ(parameter("a/b; x=\"y\" name*=''c%20d"), "c d");
+  EXPECT_EQ(parameter("a/b; name=my name and type.txt"), "my name and type.txt");
+}
+
 TEST(ContentField, TheFirstOfANameWins) { EXPECT_EQ(parameter("a/b; name=c; name=d"), "c"); }
 
 TEST(ContentField, ExtendedFormsHaveACharsetAndEscapes) {

@@ -15,7 +15,13 @@ TEST(TextDecoder, TheDeclaredCharsetIsTriedFirst) {
   EXPECT_EQ(textOf("caf\xE9", "ISO-8859-1"), "café");
   EXPECT_EQ(textOf("\xC4\xC1", "KOI8-R"), "да");
   EXPECT_EQ(textOf("\x93quoted\x94", "iso-8859-1"), "“quoted”");
+  EXPECT_EQ(textOf("\x93\xFD\x94", "ISO-8859-9"), "“ı”");
   EXPECT_EQ(textOf("\xC4\xE3\xBA\xC3", "gb2312"), "你好");
+}
+
+TEST(TextDecoder, ANameMayStandInQuotesOrHaveSomethingBehindIt) {
+  for (std::string_view name : {"'koi8-r'", " koi8-r ", "koi8-r (Russian)", "koi8-r;", "koi8-r, x"})
+    EXPECT_EQ(textOf("\xC4\xC1", name), "да") << name;
 }
 
 TEST(TextDecoder, UTF8IsRecognisedUnderAWrongName) {

@@ -126,6 +126,12 @@ bool startsSealed(std::string_view text) {
   return trimmed(text.substr(0, 4096)).starts_with("-----BEGIN PGP MESSAGE-----");
 }
 
+std::string_view textBehindSeal(std::string_view text) {
+  constexpr std::string_view kEnd = "-----END PGP MESSAGE-----";
+  const std::size_t end = text.find(kEnd);
+  return end == std::string_view::npos ? std::string_view() : text.substr(end + kEnd.size());
+}
+
 std::string_view uniformType(std::string_view type, std::string_view name) {
   for (const KnownType& known : kKnownTypes)
     if (known.media == type) return known.identifier;

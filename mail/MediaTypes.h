@@ -25,6 +25,8 @@ bool isSignedOrEncrypted(std::string_view type);
 bool isEncryptedOnly(std::string_view smimeType);
 /// Whether a text is an encrypted block.
 bool startsSealed(std::string_view text);
+/// What stands behind that block, such as the foot of a mailing list.
+std::string_view textBehindSeal(std::string_view text);
 
 /// The uniform type identifier of a part; by its name where the type says nothing, else
 /// "public.data".

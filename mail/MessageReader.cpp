@@ -131,8 +131,10 @@ MessageContent MessageReader::take() {
 // ---- Header ----
 
 void MessageReader::takeHeaderLine(std::string_view line) {
-  const std::string_view text = withoutLineEnd(line);
   const bool isFirst = _header.empty() && _suspects.empty();
+  // Editors put a mark of UTF-8 in front of a file.
+  if (isFirst && _isTop && line.starts_with("\xEF\xBB\xBF")) line.remove_prefix(3);
+  const std::string_view text = withoutLineEnd(line);
   const bool isOfMessage = _containers.empty() || !_containers.back().isMultipart;
   if (isFirst && isOfMessage && (text.starts_with("From ") || text.starts_with(">From ")))
     return;  // of an mbox
@@ -282,19 +284,20 @@ void MessageReader::endLeaf() {
 
 void MessageReader::endText(std::string bytes) {
   std::string charset = _leafType.parameter("charset");
-  if (charset.empty() && _leaf == Leaf::HTML) charset = charsetOfHTML(bytes);
+  // Programs that know no better call everything ASCII; the page itself may.
+  const bool isUnknown = charset.empty() || isSameWord(charset, "us-ascii");
+  if (isUnknown && _leaf == Leaf::HTML) charset = charsetOfHTML(bytes);
   std::string text = _decoder.text(std::move(bytes), charset);
   const bool isOwn = _messageCount == 0;
-  const bool isBlank = trimmed(text).empty();
   if (_leaf == Leaf::HTML) {
-    _content.hasHTMLPart |= isOwn && !isBlank;
+    _content.hasHTMLPart |= isOwn && !trimmed(text).empty();
     return _content.sections.addHTML(std::move(text));
   }
   if (startsSealed(text)) {
     _content.isEncrypted |= isOwn;
-    return;
+    text = std::string(textBehindSeal(text));
   }
-  _content.hasPlainPart |= isOwn && !isBlank && isPlainText(_leafType.value());
+  _content.hasPlainPart |= isOwn && !trimmed(text).empty() && isPlainText(_leafType.value());
   if (isSameWord(_leafType.parameter("format"), "flowed"))
     text = textFromFlowed(text, isSameWord(_leafType.parameter("delsp"), "yes"));
   _content.sections.addPlain(std::move(text));

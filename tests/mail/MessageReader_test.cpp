@@ -172,6 +172,11 @@ TEST(MessageReader, ReportsOfDeliveryAreText) {
             "Action: failed\n");
 }
 
+TEST(MessageReader, AMarkOfUTF8BeforeTheHeaderIsNoPartOfIt) {
+  EXPECT_EQ(contentOf("\xEF\xBB\xBFSubject: a\n\nbody\n").header, "Subject: a\n");
+  EXPECT_EQ(contentOf("\xEF\xBB\xBF\n\nSubject: a\n\nbody\n").header, "Subject: a\n");
+}
+
 TEST(MessageReader, SignedMailIsLookedInto) {
   const MessageContent content = contentOf(
       "Content-Type: multipart/signed; boundary=b\n\n--b\n\none\n"
@@ -195,6 +200,13 @@ TEST(MessageReader, EncryptedMailHasNoTextAndSaysSo) {
     EXPECT_FALSE(content.isSigned) << message;
     EXPECT_TRUE(content.sections.isEmpty()) << message;
   }
+}
+
+TEST(MessageReader, WhatStandsBehindAnEncryptedBlockIsText) {
+  const std::string message =
+      "Subject: x\n\n-----BEGIN PGP MESSAGE-----\n\nhidden\n-----END PGP MESSAGE-----\n--\nfoot\n";
+  EXPECT_TRUE(contentOf(message).isEncrypted);
+  EXPECT_EQ(textOf(message), "\n--\nfoot\n");
 }
 
 TEST(MessageReader, TheSignatureOfAnAttachedMessageIsNotItsOwn) {
@@ -225,6 +237,8 @@ TEST(MessageReader, FlowedTextIsJoined) {
 TEST(MessageReader, HTMLMayDeclareItsOwnCharset) {
   EXPECT_EQ(textOf("Content-Type: text/html\n\n<meta charset=\"koi8-r\">\xC4\xC1\n"),
             "<meta charset=\"koi8-r\">да\n");
+  EXPECT_EQ(textOf("Content-Type: text/html; charset=US-ASCII\n\n<meta charset=koi8-r>\xC4\xC1\n"),
+            "<meta charset=koi8-r>да\n");
 }
 
 TEST(MessageReader, WhatIsNestedTooDeepIsText) {

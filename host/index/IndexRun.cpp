@@ -10,6 +10,7 @@
 #include "host/import/MaildirState.h"
 #include "host/index/FolderReader.h"
 #include "host/index/IndexedFolders.h"
+#include "host/index/LargePages.h"
 #include "platform/files/FileErrors.h"
 #include "platform/files/NSURL.h"
 #include "platform/files/ReadableFile.h"
@@ -24,6 +25,9 @@ using End = IndexRun::End;
 /// File systems count time in steps; the coarsest are of two seconds.
 constexpr double kCoarsestStep = 2;
 constexpr double kNanosecondsPerSecond = 1e9;
+
+/// So many files fill much memory with their words.
+constexpr std::uint64_t kManyFiles = 200;
 
 /// A time that no file has: the next run does not take the file for unchanged.
 constexpr std::int64_t kNoTime = 0;
@@ -134,6 +138,8 @@ End IndexRun::importAll(const std::vector<std::string>& roots, Ref<NSError>* err
       if (error) *error = noImporterError(path, reason);
       return End::NoImporter;
     }
+    std::optional<LargePages> largePages;
+    if (_plan.pending() >= kManyFiles) largePages.emplace();
     workers.run(
         [&] { return first ? std::exchange(first, std::nullopt) : nextInput(&failure); },
         [&](const Input&, NSDictionary* attributes, NSError* why) { take(attributes, why); });

@@ -37,12 +37,19 @@ std::string uriOf(const std::string& path, Database::Access access) {
   return uri;
 }
 
+/// Before anything is opened: nobody asks SQLite how much memory it has, so it need not count, under
+/// a lock, what it takes and gives back.
+void configureOnce() {
+  [[maybe_unused]] static const int result = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+}
+
 const char* bytesOf(std::string_view text) { return text.data() ? text.data() : ""; }
 
 }  // namespace
 
 std::unique_ptr<Database> Database::open(const std::string& path, Access access,
                                          Ref<NSError>* error) {
+  configureOnce();
   sqlite3* handle = nullptr;
   // A relative path could be taken for the authority of a URI: "//host".
   const std::string place = path.starts_with('/') ? "//" + path : path;

@@ -11,9 +11,9 @@
 #include "host/index/FolderReader.h"
 #include "host/index/IndexedFolders.h"
 #include "host/index/LargePages.h"
+#include "host/index/RowMaker.h"
 #include "platform/files/FileErrors.h"
 #include "platform/files/NSURL.h"
-#include "platform/files/ReadableFile.h"
 #include "platform/system/Clock.h"
 
 namespace kbx {
@@ -85,6 +85,11 @@ Ref<NSError> noImporterError(const std::string& path, const std::string& reason)
   return ferncaseError(FerncaseImportFailedError, path + ": " + reason);
 }
 
+/// A worker answered with something else than a row.
+Ref<NSError> unfitAnswerError() {
+  return ferncaseError(FerncaseWorkerEndedError, "The importer disturbed its process.");
+}
+
 Ref<NSError> missingVolumeError(std::uint64_t count) {
   return ferncaseError(FerncaseImportFailedError,
                        "The volume that was here is missing, so the store keeps " +
@@ -132,6 +137,7 @@ End IndexRun::importAll(const std::vector<std::string>& roots, Ref<NSError>* err
     // Workers are made only where there is work for them.
     ImportSettings settings = _settings.imports;
     settings.inputs = roots;
+    settings.maker = std::make_shared<RowMaker>(_key);
     ImportWorkers workers(settings);
     std::string path, reason;
     if (!workers.load(&path, &reason)) {
@@ -140,9 +146,9 @@ End IndexRun::importAll(const std::vector<std::string>& roots, Ref<NSError>* err
     }
     std::optional<LargePages> largePages;
     if (_plan.pending() >= kManyFiles) largePages.emplace();
-    workers.run(
+    workers.runMaking(
         [&] { return first ? std::exchange(first, std::nullopt) : nextInput(&failure); },
-        [&](const Input&, NSDictionary* attributes, NSError* why) { take(attributes, why); });
+        [&](const Input&, const std::string& made, NSError* why) { take(made, why); });
   }
   if (failure || _stop) {
     if (error) *error = failure ? failure : _stop;
@@ -171,18 +177,13 @@ std::optional<Input> IndexRun::inputFor(const Difference& difference) {
     return std::nullopt;
   }
   if (isSettled(difference, file)) return std::nullopt;
-  // The hash is taken before the import: should the file change between the two, its new state
-  // tells the next run.
-  hashOf(file);
   _pending.push_back(file);
   return Input{std::move(file.path), nullptr};
 }
 
-/// Reads the file when it is asked for the first time. What is too large to be a message is not
-/// worth the time.
+/// Reads the file when it is asked for the first time.
 std::optional<ContentHash> IndexRun::hashOf(Pending& file) const {
-  if (!file.hash && file.state.size <= ReadableFile::kLargest)
-    file.hash = contentHashOf(file.path, _key, nullptr);
+  if (!file.hash) file.hash = messageHashOf(file.path, _key);
   return file.hash;
 }
 
@@ -223,7 +224,7 @@ void IndexRun::move(const KnownFile& from, const Pending& file) {
 
 // ---- What the workers answer --------------------------------------------------------------------
 
-void IndexRun::take(NSDictionary* attributes, NSError* error) {
+void IndexRun::take(const std::string& made, NSError* error) {
   const Pending file = std::move(_pending.front());
   _pending.pop_front();
   // The next run does what is left; nothing is to be said of these files.
@@ -231,25 +232,25 @@ void IndexRun::take(NSDictionary* attributes, NSError* error) {
     _stop = error;
     return;
   }
-  if (attributes)
-    takeMessage(file, attributes);
-  else
+  if (error)
     takeFailure(file, error);
+  else
+    takeMessage(file, made);
   _listener.isDone(error != nullptr);
 }
 
-void IndexRun::takeMessage(const Pending& file, NSDictionary* attributes) {
-  Ref<NSError> unfit;
-  const auto message = storedMessage(attributes, &unfit);
-  if (!message) return takeFailure(file, unfit);
+void IndexRun::takeMessage(const Pending& file, const std::string& made) {
+  const auto row = madeRowIn(made);
+  if (!row) return takeFailure(file, unfitAnswerError());
   FileState state;
   // A hash of something else than what was imported would be a lie.
   const bool isSame = stateNow(file.path, &state) == 0 && state == file.state;
-  const std::string hash = isSame && file.hash ? bytesOf(*file.hash) : "";
+  const auto hash = file.hash ? file.hash : row->hash;
+  const std::string hashBytes = isSame && hash ? bytesOf(*hash) : "";
   const FileState stored = isSame ? remembered(file.state) : doubtful(file.state);
   const bool isMade = _batches.change(state.size, [&](StoreWriter& store, Ref<NSError>* failure) {
     ++(file.hasMessage ? _counts.changed : _counts.added);
-    return store.put(file.path, stored, hash, *message, failure);
+    return store.put(file.path, stored, hashBytes, row->message, failure);
   });
   if (!isMade) return;
   if (file.hasMessage)

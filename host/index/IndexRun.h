@@ -59,8 +59,8 @@ class IndexRun {
   struct Pending {
     std::string path;
     FileState state;
-    std::optional<ContentHash> hash;
-    bool hasMessage;  // in the store, of a former state
+    std::optional<ContentHash> hash;  // if it was asked for before the import
+    bool hasMessage;                  // in the store, of a former state
   };
 
   End work(const std::vector<std::string>& roots, Ref<NSError>* error);
@@ -71,8 +71,8 @@ class IndexRun {
   bool isSettled(const Difference& difference, Pending& file);
   void touch(const Pending& file);
   void move(const KnownFile& from, const Pending& file);
-  void take(NSDictionary* attributes, NSError* error);
-  void takeMessage(const Pending& file, NSDictionary* attributes);
+  void take(const std::string& made, NSError* error);
+  void takeMessage(const Pending& file, const std::string& made);
   void takeFailure(const Pending& file, NSError* error);
   End removeGone();
   void remove(const KnownFile& file);

@@ -37,8 +37,8 @@ std::string uriOf(const std::string& path, Database::Access access) {
   return uri;
 }
 
-/// Before anything is opened: nobody asks SQLite how much memory it has, so it need not count, under
-/// a lock, what it takes and gives back.
+/// Before anything is opened: nobody asks SQLite how much memory it has, so it need not count,
+/// under a lock, what it takes and gives back.
 void configureOnce() {
   [[maybe_unused]] static const int result = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
 }

@@ -17,6 +17,8 @@ struct StoredMessage {
   std::optional<std::string> messageId;
   std::optional<std::int64_t> size;
   std::string attributes;  // a binary property list of everything but the text of the body
+
+  bool operator==(const StoredMessage&) const = default;
 };
 
 /// The row of a message. Absent with an error when the attributes are no property list. Safe from

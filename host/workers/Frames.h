@@ -18,6 +18,7 @@ enum class FrameKind : std::uint64_t {
   Ready,       // what protects the worker
   Unready,     // there is no importer: the path of the bundle, a NUL, the reason
   Attributes,  // values (Values.h)
+  Made,        // what the settings' maker made of the attributes
   Failure,     // an error (Values.h)
   Denied,      // the file cannot be read from within; maybe from without
   Log          // a line of the classic log (Values.h)

@@ -2,11 +2,13 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "host/console/Diagnostics.h"
+#include "host/workers/MessageMaker.h"
 
 namespace kbx {
 
@@ -26,6 +28,7 @@ struct ImportSettings {
   std::optional<std::string> importer;  // the bundle to ask for every file; else installed ones
   bool usesMailImporter = true;         // false: the raw text of a message is an answer
   bool isStagedPrivately = true;        // false: the mail importer's copy lies beside the message
+  std::shared_ptr<MessageMaker> maker;  // what to make of the attributes; absent for nothing
   Diagnostics* log = nullptr;           // where importers' log lines are shown; nullptr for nowhere
 };
 

@@ -35,6 +35,12 @@ class Sender final : private ByteSink {
     appendFrame(_bytes, kind, number, content);
     if (_bytes.size() >= kManyBytes || Clock::now() - _since >= kLongWait) flush();
   }
+  void addMade(std::uint64_t number, std::string_view bytes) {
+    if (_bytes.empty()) _since = Clock::now();
+    appendFrameHead(_bytes, FrameKind::Made, number, bytes.size());
+    append(bytes);
+    if (_bytes.size() >= kManyBytes || Clock::now() - _since >= kLongWait) flush();
+  }
   /// Answers are long: what is long in them goes out as it is.
   void addValues(std::uint64_t number, NSDictionary* values) {
     if (_bytes.empty()) _since = Clock::now();
@@ -94,6 +100,7 @@ class ImportWorker {
   bool receive();
   void import(const Frame& frame);
   void answer(std::uint64_t number, NSURL* file, NSURL* contents);
+  void answerWithWhatIsMade(std::uint64_t number, Ref<NSDictionary> attributes);
 
   const WorkerPlace& _place;
   const int _stream;
@@ -156,11 +163,22 @@ bool isNotPermitted(NSError* error) {
 
 void ImportWorker::answer(std::uint64_t number, NSURL* file, NSURL* contents) {
   Ref<NSError> error;
+  MessageMaker* const maker = _place.settings.maker.get();
+  if (maker) maker->begin((contents ? contents : file)->fileSystemRepresentation());
   auto attributes = _importers.attributesOfFile(file, contents, &error);
   if (!attributes && !contents && isNotPermitted(error))
     return _sender.add(FrameKind::Denied, number, "");
   if (!attributes) return _sender.add(FrameKind::Failure, number, bytesOfError(error));
+  if (maker) return answerWithWhatIsMade(number, std::move(attributes));
   _sender.addValues(number, attributes);
+}
+
+void ImportWorker::answerWithWhatIsMade(std::uint64_t number, Ref<NSDictionary> attributes) {
+  Ref<NSError> error;
+  const auto made = _place.settings.maker->make(attributes, &error);
+  attributes = nullptr;  // a large message is held once less while it is sent
+  if (!made) return _sender.add(FrameKind::Failure, number, bytesOfError(error));
+  _sender.addMade(number, *made);
 }
 
 }  // namespace

@@ -21,6 +21,17 @@ bool ImportWorkers::load(std::string* path, std::string* reason) {
   return _imports->load(path, reason);
 }
 
-void ImportWorkers::run(const Next& next, const Take& take) { _imports->run(next, take); }
+void ImportWorkers::run(const Next& next, const Take& take) {
+  _imports->run(next, [&](const Input& input, const Imported& imported) {
+    take(input, imported.attributes, imported.error);
+  });
+}
+
+void ImportWorkers::runMaking(const Next& next, const TakeMade& take) {
+  const std::string nothing;
+  _imports->run(next, [&](const Input& input, const Imported& imported) {
+    take(input, imported.made ? *imported.made : nothing, imported.error);
+  });
+}
 
 }  // namespace kbx

@@ -1,6 +1,7 @@
 // ImportWorkers: imports many files, in the order in which they are named.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -16,7 +17,9 @@ class ImportWorkers {
   /// Gives the next input; absent after the last one.
   using Next = Imports::Next;
   /// Takes what became of an input: its attributes, or the reason why there are none.
-  using Take = Imports::Take;
+  using Take = std::function<void(const Input&, NSDictionary* attributes, NSError* error)>;
+  /// Takes what became of an input: what was made of it, or the reason why there is nothing.
+  using TakeMade = std::function<void(const Input&, const std::string& made, NSError* error)>;
 
   explicit ImportWorkers(const ImportSettings& settings);
   ~ImportWorkers();
@@ -34,6 +37,8 @@ class ImportWorkers {
   /// Asks for inputs ahead of those that are taken, but only for so many as keep the workers busy.
   /// Both are called on this thread; what they raise ends the run and passes through.
   void run(const Next& next, const Take& take);
+  /// The same for settings with a maker, and only for these.
+  void runMaking(const Next& next, const TakeMade& take);
 
  private:
   std::unique_ptr<Imports> _imports;

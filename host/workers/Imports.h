@@ -12,11 +12,18 @@
 
 namespace kbx {
 
+/// What became of an input: one of the three is there.
+struct Imported {
+  Ref<NSDictionary> attributes;
+  std::optional<std::string> made;  // of the attributes, in their place, where there is a maker
+  Ref<NSError> error;               // why there is neither
+};
+
 /// Belongs to one thread. ImportWorkers chooses one and says what its functions promise.
 class Imports {
  public:
   using Next = std::function<std::optional<Input>()>;
-  using Take = std::function<void(const Input&, NSDictionary* attributes, NSError* error)>;
+  using Take = std::function<void(const Input&, const Imported&)>;
 
   virtual ~Imports() = default;
   virtual bool load(std::string* path, std::string* reason) = 0;

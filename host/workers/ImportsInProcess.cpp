@@ -14,7 +14,7 @@ Ref<NSURL> locationOf(const Input& input, Ref<NSError>* error) {
 }
 
 ImportsInProcess::ImportsInProcess(const ImportSettings& settings)
-    : _log(settings.log), _importers(importersFor(settings, &_staging)) {}
+    : _log(settings.log), _importers(importersFor(settings, &_staging)), _maker(settings.maker) {}
 
 bool ImportsInProcess::load(std::string* path, std::string* reason) {
   return _importers.loadForMessages(path, reason);
@@ -24,19 +24,32 @@ void ImportsInProcess::run(const Next& next, const Take& take) {
   while (!Interruption::isWished()) {
     const auto input = next();
     if (!input) return;
-    Ref<NSError> error = input->error;
-    auto attributes = error ? nullptr : attributesOf(*input, &error);
-    take(*input, attributes, attributes ? nullptr : error.get());
+    take(*input, import(*input));
   }
 }
 
-Ref<NSDictionary> ImportsInProcess::attributesOf(const Input& input, Ref<NSError>* error) {
+Imported ImportsInProcess::import(const Input& input) {
+  Imported imported;
+  imported.error = input.error;
+  if (imported.error) return imported;
   if (input.path == kStandardInputName) {
-    const StandardInput copy(error);
-    return copy.url() ? _importers.attributesOfFile(copy.url(), nullptr, error) : nullptr;
+    const StandardInput copy(&imported.error);
+    return copy.url() ? importFile(copy.url()) : imported;
   }
-  auto url = locationOf(input, error);
-  return url ? _importers.attributesOfFile(url, nullptr, error) : nullptr;
+  const auto url = locationOf(input, &imported.error);
+  return url ? importFile(url) : imported;
+}
+
+Imported ImportsInProcess::importFile(NSURL* file) {
+  Imported imported;
+  if (_maker) _maker->begin(file->fileSystemRepresentation());
+  imported.attributes = _importers.attributesOfFile(file, nullptr, &imported.error);
+  if (imported.attributes && _maker) {
+    imported.made = _maker->make(imported.attributes, &imported.error);
+    imported.attributes = nullptr;
+  }
+  if (imported.attributes || imported.made) imported.error = nullptr;
+  return imported;
 }
 
 }  // namespace kbx

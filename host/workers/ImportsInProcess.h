@@ -1,7 +1,7 @@
 // ImportsInProcess: imports one file after the other, here.
 #pragma once
 
-#include <optional>
+#include <memory>
 
 #include "host/import/ImportLog.h"
 #include "host/import/ImporterChoice.h"
@@ -19,12 +19,14 @@ class ImportsInProcess final : public Imports {
   void run(const Next& next, const Take& take) override;
 
  private:
-  Ref<NSDictionary> attributesOf(const Input& input, Ref<NSError>* error);
+  Imported import(const Input& input);
+  Imported importFile(NSURL* file);
 
   ImportLog _log;
   ScopedService<ClassicLog> _installed{_log};
   Staging _staging;
   ImporterChoice _importers;
+  const std::shared_ptr<MessageMaker> _maker;
 };
 
 }  // namespace kbx

@@ -246,6 +246,7 @@ void ImportsInWorkers::takeFrame(std::size_t place, const Frame& frame) {
     case FrameKind::Log:
       return showLog(frame.number, frame.bytes);
     case FrameKind::Attributes:
+    case FrameKind::Made:
     case FrameKind::Failure:
     case FrameKind::Denied:
       if (worker.answered(frame.number)) return answer(frame.number, frame);
@@ -350,6 +351,23 @@ void ImportsInWorkers::finish(std::uint64_t number, NSError* error) {
   done.state = Job::State::Done;
 }
 
+/// What became of a job that is done, which is used up by that.
+Imported ImportsInWorkers::imported(Job& done) const {
+  Imported imported;
+  imported.error = done.error;
+  if (imported.error) return imported;
+  if (done.answer == FrameKind::Failure)
+    imported.error = errorOfBytes(done.bytes);
+  else if (done.answer == FrameKind::Made && _settings.maker)
+    imported.made = std::move(done.bytes);
+  else if (done.answer == FrameKind::Attributes && !_settings.maker)
+    imported.attributes = valuesOfBytes(done.bytes);
+  done.bytes = {};  // the attributes hold it all once more
+  if (!imported.attributes && !imported.made && !imported.error)
+    imported.error = endedError("The importer disturbed its process.");
+  return imported;
+}
+
 /// Hands over what is done, as far as nothing before it is missing. False after a wish to end.
 bool ImportsInWorkers::handOver(const Take& take) {
   while (!_jobs.empty() && _jobs.front().state == Job::State::Done) {
@@ -359,13 +377,7 @@ bool ImportsInWorkers::handOver(const Take& take) {
     _heldBytes -= done.bytes.size();
     _copies.letGo(done.copy);
     for (const auto& line : done.log) _settings.log->log(line);
-    Ref<NSError> error = done.error;
-    auto attributes =
-        !error && done.answer == FrameKind::Attributes ? valuesOfBytes(done.bytes) : nullptr;
-    if (!attributes && !error) error = errorOfBytes(done.bytes);
-    done.bytes = {};  // the attributes hold it all once more
-    if (!attributes && !error) error = endedError("The importer disturbed its process.");
-    take(done.input, attributes, error);
+    take(done.input, imported(done));
     if (Interruption::isWished()) return false;
   }
   return true;

@@ -74,6 +74,7 @@ class ImportsInWorkers final : public Imports {
   void failToStart(std::string reason);
 
   // Handing over.
+  Imported imported(Job& done) const;
   bool handOver(const Take& take);
   void finish(std::uint64_t number, NSError* error);
   Job& job(std::uint64_t number) { return _jobs[number - _first]; }

@@ -4,8 +4,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <stdexcept>
 #include <thread>
 
@@ -117,6 +120,58 @@ TEST_F(ImportWorkersTest, ASlowMessageDoesNotChangeTheOrder) {
 TEST_F(ImportWorkersTest, NothingToImportIsNoWork) {
   fake();
   EXPECT_TRUE(run({}).empty());
+}
+
+/// Makes of a message the content that it had before the import and the name that the importer gave
+/// it; refuses "b.eml".
+class ContentMaker final : public MessageMaker {
+ public:
+  void begin(const std::string& contents) override {
+    std::ifstream file(contents);
+    _content.assign(std::istreambuf_iterator<char>(file), {});
+  }
+  std::optional<std::string> make(NSDictionary* attributes, Ref<NSError>* error) override {
+    const std::string name = text(attributes->objectForKey("name"_ns));
+    if (name != "b.eml") return _content + " " + name + std::string(_content.size() * 1000, '.');
+    *error = posixError(EDOM);
+    return std::nullopt;
+  }
+
+ private:
+  std::string _content;
+};
+
+TEST_F(ImportWorkersTest, WhatIsMadeInWorkersIsWhatIsMadeInPlace) {
+  // Files that are changed by their import, so that the order of both shows.
+  fake([this](const std::string& name, auto*) {
+    _folder.write(name, "changed");
+    return name != "c.eml";
+  });
+  _settings.maker = std::make_shared<ContentMaker>();
+  _settings.isStagedPrivately = false;
+  std::vector<std::string> all[2];
+  for (bool isIsolated : {false, true}) {
+    _settings.isIsolated = isIsolated;
+    const std::vector<std::string> paths{file("a.eml"), file("b.eml"), file("c.eml"),
+                                         file("a long name.eml")};
+    ImportWorkers workers(_settings);
+    std::size_t position = 0;
+    workers.runMaking(
+        [&]() -> std::optional<Input> {
+          if (position == paths.size()) return std::nullopt;
+          return Input{paths[position++], nullptr};
+        },
+        [&](const Input&, const std::string& made, NSError* error) {
+          EXPECT_NE(made.empty(), error == nullptr);
+          all[isIsolated].push_back(error ? "!" + text(error->localizedDescription()) : made);
+        });
+  }
+  ASSERT_EQ(all[1].size(), 4u);
+  EXPECT_THAT(all[1][0], StartsWith("a.eml a.eml..."));
+  EXPECT_EQ(all[1][1], "!" + text(posixError(EDOM)->localizedDescription()));
+  EXPECT_THAT(all[1][2], StartsWith("!"));
+  EXPECT_THAT(all[1][3], StartsWith("a long name.eml a long name.eml..."));
+  EXPECT_EQ(all[0], all[1]);
 }
 
 TEST_F(ImportWorkersTest, ErrorsOfInputsArePassedOnInTheirOrder) {

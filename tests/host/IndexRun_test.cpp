@@ -192,6 +192,32 @@ TEST_F(IndexRunTest, WhatIsNewIsAddedAndWhatIsTheSameIsLeftAlone) {
   EXPECT_FALSE(hasTroubles);
 }
 
+TEST_F(IndexRunTest, WorkersMakeTheRowsThatAreMadeInPlace) {
+  write("a.eml", "one");
+  write("b.eml", "broken");
+  write("c.eml", std::string(200'000, 'c') + "\xFF");
+  write("empty.eml", "");
+  const auto rows = [this] {
+    Statement all(store().database(),
+                  "SELECT path, hex(hash), failure, hex(body), hex(attributes)"
+                  " FROM file LEFT JOIN message USING (id) ORDER BY path");
+    std::vector<std::string> found;
+    while (all.step(&_error) == Statement::Step::Row)
+      for (int column = 0; column < 5; ++column) found.emplace_back(all.text(column));
+    return found;
+  };
+  index();
+  const auto inPlace = rows();
+  ASSERT_EQ(inPlace.size(), 20u);
+  EXPECT_THAT(inPlace[1], testing::SizeIs(16));
+  for (auto name : {"a.eml", "b.eml", "c.eml", "empty.eml"})
+    ASSERT_TRUE(store().remove(path(name), &_error));
+  _settings.imports.isIsolated = true;
+  index();
+  EXPECT_EQ(imports, 0);  // here
+  EXPECT_EQ(rows(), inPlace);
+}
+
 TEST_F(IndexRunTest, ChangedFilesAreImportedAgainAndGoneOnesRemoved) {
   write("a.eml", "one");
   write("b.eml", "two");

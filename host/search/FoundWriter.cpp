@@ -175,6 +175,7 @@ void writeSnippet(JSONWriter& json, const Snippet& snippet) {
 
 /// What an object holds.
 struct Found {
+  std::int64_t id = 0;
   FoundMessage message;
   std::optional<Snippet> snippet;
   Ref<NSDictionary> attributes;
@@ -189,6 +190,8 @@ void writeText(JSONWriter& json, NSString* key, const std::string& text) {
 void writeFound(JSONWriter& json, const Found& found) {
   const FoundMessage& message = found.message;
   json.beginObject();
+  json.key("id"_ns);
+  json.value(NSNumber::numberWithInteger(found.id));
   json.key("path"_ns);
   json.string(stringWithFileSystemRepresentation(message.path));
   json.key("date"_ns);
@@ -226,6 +229,7 @@ class ObjectWriter final : public FoundWriter {
 
   bool found(Search& search, std::int64_t id, Ref<NSError>* error) override {
     Found found;
+    found.id = id;
     const auto message = search.message(id, error);
     if (!message) return false;
     found.message = *message;

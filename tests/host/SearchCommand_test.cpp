@@ -83,7 +83,7 @@ TEST_F(SearchCommandTest, ObjectsHoldWhatPeopleSeeAndWhatIsNamed) {
       nlohmann::json::parse(search({"--json", "--snippet", "--name", "kMDItemAuthors", "weaves"}));
   ASSERT_EQ(array.size(), 1u);
   EXPECT_EQ(array[0], nlohmann::json::parse(R"({
-    "path": "/mail/a.eml", "date": "2024-05-17T13:30:00Z",
+    "id": 1, "path": "/mail/a.eml", "date": "2024-05-17T13:30:00Z",
     "from": "Ada Lovelace <ada@example.org>", "subject": "The engine",
     "snippet": [{"text": "It ", "match": false}, {"text": "weaves", "match": true},
                 {"text": " patterns.", "match": false}],

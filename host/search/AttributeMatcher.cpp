@@ -103,4 +103,8 @@ bool AttributeMatcher::matchesNumber(double number) const {
   return false;
 }
 
+std::unique_ptr<AttributeMatcher> makeAttributeMatcher(const AttributeTest& test) {
+  return std::make_unique<AttributeMatcher>(test);
+}
+
 }  // namespace kbx

@@ -1,6 +1,7 @@
 // AttributeMatcher: whether a message's attributes are as a query wants them.
 #pragma once
 
+#include <memory>
 #include <optional>
 #include <string_view>
 
@@ -38,5 +39,7 @@ class AttributeMatcher {
   const TextPattern _pattern;
   std::optional<double> _number, _upper;  // what the values are as numbers, if they are
 };
+
+std::unique_ptr<AttributeMatcher> makeAttributeMatcher(const AttributeTest& test);
 
 }  // namespace kbx

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "host/search/AttributeFunctions.h"
 #include "host/search/IdSet.h"
 #include "host/search/SearchFunctions.h"
 #include "host/search/SearchPlan.h"
@@ -14,6 +15,9 @@ namespace {
 using Step = Statement::Step;
 using Order = SearchSettings::Order;
 using Ids = std::vector<std::int64_t>;
+
+/// What is asked of each message that is found.
+enum class Columns : std::uint8_t { Id, Path };
 
 /// So few messages are looked at each by itself; more are met on the way along the index of dates.
 constexpr std::size_t kFew = 500;
@@ -63,22 +67,35 @@ std::string listOf(std::span<const std::int64_t> ids) {
 
 }  // namespace
 
-/// The statements that look at one message, made when they are first wanted.
+/// The statements that look at one message, each made when it is first wanted.
 struct Search::Lookups {
-  explicit Lookups(Database& database, const std::string& matchWords)
-      : words(matchWords),
-        path(database, "SELECT path FROM file WHERE id = ?1"),
-        message(database,
+  Lookups(Database& database, const std::string& matchWords)
+      : words(matchWords), _database(database) {}
+
+  Statement& path() { return made(_path, "SELECT path FROM file WHERE id = ?1"); }
+  Statement& message() {
+    return made(_message,
                 "SELECT f.path, m.date, m.sender, m.subject FROM message m"
-                " JOIN file f ON f.id = m.id WHERE m.id = ?1"),
-        passage(database,
+                " JOIN file f ON f.id = m.id WHERE m.id = ?1");
+  }
+  Statement& passage() {
+    return made(_passage,
                 "SELECT snippet(word, -1, ?1, ?2, '…', 20) FROM word"
-                " WHERE word MATCH ?3 AND rowid = ?4"),
-        beginning(database,
-                  "SELECT substr(body, 1, 300), length(body) FROM message WHERE id = ?1") {}
+                " WHERE word MATCH ?3 AND rowid = ?4");
+  }
+  Statement& beginning() {
+    return made(_beginning, "SELECT substr(body, 1, 300), length(body) FROM message WHERE id = ?1");
+  }
 
   const std::string words;
-  Statement path, message, passage, beginning;
+
+ private:
+  Statement& made(std::optional<Statement>& statement, std::string_view sql) {
+    return statement ? *statement : statement.emplace(_database, sql);
+  }
+
+  Database& _database;
+  std::optional<Statement> _path, _message, _passage, _beginning;
 };
 
 /// One run of a search: the sets of its matches and the statement over them.
@@ -89,7 +106,9 @@ class Search::Run {
 
   /// Asks the full-text index. False on failure.
   bool prepare(Ref<NSError>* error);
-  bool each(const std::function<bool(std::int64_t)>& take, Ref<NSError>* error);
+  /// Calls `take` with the statement at each row, which has the columns, until it answers false.
+  template <class Take>
+  bool each(Columns columns, Take take, Ref<NSError>* error);
   std::optional<std::uint64_t> count(Ref<NSError>* error);
 
  private:
@@ -98,6 +117,7 @@ class Search::Run {
   bool collectRanks(Ref<NSError>* error);
   /// The ids among which everything is that will be found, when they are few.
   const IdSet* fewIds() const;
+  std::string selection(Columns columns) const;
   std::string condition() const;
   std::string order() const;
   void bind(Statement& statement);
@@ -167,6 +187,14 @@ const IdSet* Search::Run::fewIds() const {
   return fewest;
 }
 
+std::string Search::Run::selection(Columns columns) const {
+  std::string text = columns == Columns::Id ? "SELECT m.id FROM " : "SELECT f.path FROM ";
+  // The order decides which table is walked and which is looked up.
+  if (_settings.order == Order::Path) return text + "file f CROSS JOIN message m ON m.id = f.id";
+  text += "message m";
+  return columns == Columns::Id ? text : text + " CROSS JOIN file f ON f.id = m.id";
+}
+
 std::string Search::Run::condition() const {
   std::string text = " WHERE " + _plan.condition();
   const std::size_t count = _plan.parameters().size();
@@ -200,21 +228,18 @@ void Search::Run::bind(Statement& statement) {
   statement.bindPointer(index + 2, &_ranks, kRankType);
 }
 
-bool Search::Run::each(const std::function<bool(std::int64_t)>& take, Ref<NSError>* error) {
-  const std::string_view from = _settings.order == Order::Path
-                                    ? "SELECT m.id FROM file f CROSS JOIN message m ON m.id = f.id"
-                                    : "SELECT m.id FROM message m";
+template <class Take>
+bool Search::Run::each(Columns columns, Take take, Ref<NSError>* error) {
   const std::size_t count = _plan.parameters().size();
   const std::string limit = "?" + std::to_string(count + 3),
                     offset = "?" + std::to_string(count + 4);
-  Statement found(_reader.database(), std::string(from) + condition() + " ORDER BY " + order() +
+  Statement found(_reader.database(), selection(columns) + condition() + " ORDER BY " + order() +
                                           " LIMIT " + limit + " OFFSET " + offset);
   bind(found);
   constexpr std::uint64_t kMost = std::numeric_limits<std::int64_t>::max();
   found.bind(static_cast<int>(count + 3), std::min(_settings.limit.value_or(kMost), kMost));
   found.bind(static_cast<int>(count + 4), std::min(_settings.offset, kMost));
-  return eachRow(
-      found, [&](const Statement& row) { return take(row.integer(0)); }, error);
+  return eachRow(found, take, error);
 }
 
 std::optional<std::uint64_t> Search::Run::count(Ref<NSError>* error) {
@@ -237,6 +262,7 @@ Search::Search(StoreReader& reader, const QueryNode& query, SearchSettings setti
       _plan(std::make_unique<SearchPlan>(query)),
       _lookups(std::make_unique<Lookups>(reader.database(), _plan->words())) {
   registerSearchFunctions(reader.database());
+  registerAttributeFunctions(reader.database());
 }
 
 Search::~Search() = default;
@@ -244,7 +270,15 @@ Search::~Search() = default;
 bool Search::run(const std::function<bool(std::int64_t id)>& take, Ref<NSError>* error) {
   const Snapshot snapshot(_reader.database());
   Run run(_reader, *_plan, _settings);
-  return run.prepare(error) && run.each(take, error);
+  const auto takeId = [&](const Statement& row) { return take(row.integer(0)); };
+  return run.prepare(error) && run.each(Columns::Id, takeId, error);
+}
+
+bool Search::runPaths(const std::function<bool(std::string_view path)>& take, Ref<NSError>* error) {
+  const Snapshot snapshot(_reader.database());
+  Run run(_reader, *_plan, _settings);
+  const auto takePath = [&](const Statement& row) { return take(row.bytes(0)); };
+  return run.prepare(error) && run.each(Columns::Path, takePath, error);
 }
 
 std::optional<std::uint64_t> Search::count(Ref<NSError>* error) {
@@ -255,7 +289,7 @@ std::optional<std::uint64_t> Search::count(Ref<NSError>* error) {
 }
 
 std::optional<std::string> Search::path(std::int64_t id, Ref<NSError>* error) {
-  Statement& row = _lookups->path;
+  Statement& row = _lookups->path();
   std::optional<std::string> path;
   if (row.bind(1, id).step(error) == Step::Row) path = row.bytes(0);
   row.reset();
@@ -263,7 +297,7 @@ std::optional<std::string> Search::path(std::int64_t id, Ref<NSError>* error) {
 }
 
 std::optional<FoundMessage> Search::message(std::int64_t id, Ref<NSError>* error) {
-  Statement& row = _lookups->message;
+  Statement& row = _lookups->message();
   std::optional<FoundMessage> message;
   if (row.bind(1, id).step(error) == Step::Row) {
     message.emplace();
@@ -279,13 +313,13 @@ std::optional<FoundMessage> Search::message(std::int64_t id, Ref<NSError>* error
 std::optional<Snippet> Search::snippet(std::int64_t id, Ref<NSError>* error) {
   std::optional<Snippet> snippet;
   if (!_lookups->words.empty()) {
-    Statement& row = _lookups->passage;
+    Statement& row = _lookups->passage();
     row.bind(1, kSnippetBegin).bind(2, kSnippetEnd).bind(3, _lookups->words).bind(4, id);
     if (row.step(error) == Step::Row) snippet = snippetOf(row.text(0));
     row.reset();
     if (snippet) return snippet;
   }
-  Statement& row = _lookups->beginning;
+  Statement& row = _lookups->beginning();
   if (row.bind(1, id).step(error) == Step::Row)
     snippet = beginningOf(row.text(0), row.integer(1) > 300);
   row.reset();

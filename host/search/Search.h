@@ -6,6 +6,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -57,6 +58,10 @@ class Search {
   ///
   /// False with an error when the store cannot be read.
   bool run(const std::function<bool(std::int64_t id)>& take, Ref<NSError>* error);
+
+  /// The same with the path of each, in bytes, valid during the call only. Costs less than to ask
+  /// for each path by itself.
+  bool runPaths(const std::function<bool(std::string_view path)>& take, Ref<NSError>* error);
 
   /// How many there are, within the limit and behind the offset. Absent with an error when the
   /// store cannot be read.

@@ -275,7 +275,7 @@ SearchPlan::Part SearchPlan::compileColumn(const AttributeTest& test, const char
 
 SearchPlan::Part SearchPlan::compileMatcher(const AttributeTest& test) {
   const std::size_t index = _matchers.size();
-  _matchers.push_back(std::make_unique<AttributeMatcher>(test));
+  _matchers.push_back(makeAttributeMatcher(test));
   const std::string matcher = parameter(Matcher{index});
   // The attribute that is asked for most has a column.
   if (test.name == "kMDItemSubject")

@@ -51,7 +51,7 @@ std::unique_ptr<Database> openAs(const std::string& path, Database::Access acces
 std::unique_ptr<Database> openForReading(const std::string& path, Ref<NSError>* error) {
   Ref<NSError> failure;
   if (auto database = openAs(path, Database::Access::Reading, &failure)) return database;
-  if (failure->code() == StoreUnreadableError && canBeReadAsFixed(path))
+  if (failure && failure->code() == StoreUnreadableError && canBeReadAsFixed(path))
     if (auto database = openAs(path, Database::Access::FixedReading, &failure)) return database;
   tell(error, failure);
   return nullptr;

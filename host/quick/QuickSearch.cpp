@@ -7,6 +7,7 @@
 #include <variant>
 
 #include "host/console/Command.h"
+#include "host/search/PrefixWalk.h"
 #include "host/search/QueryFault.h"
 
 namespace kbx {
@@ -61,7 +62,8 @@ std::optional<int> quickSearch(const QuickArguments& arguments, Output& output,
                                Output& complaints) {
   const auto query = wordsOf(arguments.query);
   const auto path = arguments.database.empty() ? defaultStorePath() : arguments.database;
-  if (!query || !path) return std::nullopt;
+  // A walk reads messages, in whatever characters they are written.
+  if (!query || !path || PrefixWalk::isFor(*query, arguments.settings)) return std::nullopt;
   const auto reader = StoreReader::open(*path, nullptr);
   if (!reader) return std::nullopt;
   Search search(*reader, *query, arguments.settings);

@@ -1,6 +1,7 @@
 #include "host/search/MatchText.h"
 
 #include <array>
+#include <span>
 #include <string_view>
 
 #include "host/tokenizer/Tokenizer.h"
@@ -30,6 +31,14 @@ std::string matchText(const TextTest& test) {
     text += byte == 0 ? ' ' : byte;
   }
   return text + (test.isPrefix ? "\" *" : "\"");
+}
+
+std::string columnsOf(TextField field) {
+  if (field != TextField::Any) return std::string(kColumns[static_cast<std::size_t>(field)]);
+  std::string all;
+  for (const std::string_view column : std::span(kColumns).subspan(1))
+    all.append(all.empty() ? "" : ", ").append(column);
+  return all;
 }
 
 }  // namespace kbx

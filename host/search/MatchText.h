@@ -14,4 +14,7 @@ bool hasWords(const TextTest& test);
 /// UTF-8 becomes U+FFFD, which is part of no word.
 std::string matchText(const TextTest& test);
 
+/// The columns of the full-text index in which a field looks, for SQL.
+std::string columnsOf(TextField field);
+
 }  // namespace kbx

@@ -5,6 +5,7 @@
 
 #include "host/search/AttributeFunctions.h"
 #include "host/search/IdSet.h"
+#include "host/search/PrefixWalk.h"
 #include "host/search/SearchFunctions.h"
 #include "host/search/SearchPlan.h"
 #include "host/search/SnippetText.h"
@@ -15,12 +16,18 @@ namespace {
 using Step = Statement::Step;
 using Order = SearchSettings::Order;
 using Ids = std::vector<std::int64_t>;
+using IdList = std::span<const std::int64_t>;
 
 /// What is asked of each message that is found.
 enum class Columns : std::uint8_t { Id, Path };
 
 /// So few messages are looked at each by itself; more are met on the way along the index of dates.
 constexpr std::size_t kFew = 500;
+/// So many of what is found are compared by their words. Who looks for the best of more would not
+/// be helped by an order among words that everybody uses, and each costs time.
+constexpr std::size_t kMostRanked = 5000;
+
+constexpr char kNewestFirst[] = "m.date DESC, m.id DESC", kOldestFirst[] = "m.date, m.id";
 
 /// Everything within sees one state of the store.
 class Snapshot {
@@ -59,7 +66,7 @@ bool addIds(Statement& statement, Ids& ids, Ref<NSError>* error) {
   return eachRow(statement, add, error);
 }
 
-std::string listOf(std::span<const std::int64_t> ids) {
+std::string listOf(IdList ids) {
   std::string list;
   for (const std::int64_t id : ids) list += (list.empty() ? "" : ",") + std::to_string(id);
   return list;
@@ -110,6 +117,8 @@ class Search::Run {
   template <class Take>
   bool each(Columns columns, Take take, Ref<NSError>* error);
   std::optional<std::uint64_t> count(Ref<NSError>* error);
+  /// What each() would find, where all of it was ranked.
+  std::optional<IdList> rankedPage() const;
 
  private:
   bool collectMatches(Ref<NSError>* error);
@@ -130,6 +139,7 @@ class Search::Run {
   std::vector<MatcherCall> _calls;
   std::optional<IdSet> _folders;
   RankTable _ranks;
+  Ids _ranked;  // in the order that is wanted
 };
 
 bool Search::Run::prepare(Ref<NSError>* error) {
@@ -168,16 +178,36 @@ bool Search::Run::collectFolders(Ref<NSError>* error) {
 }
 
 bool Search::Run::collectRanks(Ref<NSError>* error) {
+  // The newest of what is found, as a list by date shows them.
+  Statement found(_reader.database(), "SELECT m.id FROM message m" + condition() + " ORDER BY " +
+                                          kNewestFirst + " LIMIT " + std::to_string(kMostRanked));
+  bind(found);
+  if (!addIds(found, _ranked, error)) return false;
+  IdSet ranked(_ranked);
   // A word in the subject says more than one in the body, as the names of people do.
   Statement match(_reader.database(),
                   "SELECT rowid, bm25(word, 10, 5, 3, 2, 2, 1, 3, 1, 1) FROM word"
-                  " WHERE word MATCH ?1");
-  match.bind(1, _plan.words());
+                  " WHERE word MATCH ?1 AND ferncase_in(?2, rowid)");
+  match.bind(1, _plan.words()).bindPointer(2, &ranked, kIdSetType);
   const auto add = [this](const Statement& row) {
     _ranks.emplace(row.integer(0), row.number(1));
     return true;
   };
-  return eachRow(match, add, error);
+  if (!eachRow(match, add, error)) return false;
+  std::ranges::stable_sort(_ranked, {}, [this](std::int64_t id) { return rankOf(_ranks, id); });
+  if (_settings.isReversed) std::ranges::reverse(_ranked);
+  return true;
+}
+
+std::optional<IdList> Search::Run::rankedPage() const {
+  if (_ranks.empty()) return std::nullopt;
+  const std::uint64_t count = _ranked.size();
+  const bool isAll = count < kMostRanked;
+  const std::uint64_t first = std::min(_settings.offset, count);
+  const std::uint64_t length = std::min(_settings.limit.value_or(UINT64_MAX), count - first);
+  if (!isAll && (_settings.isReversed || !_settings.limit || *_settings.limit > length))
+    return std::nullopt;
+  return IdList(_ranked).subspan(first, length);
 }
 
 const IdSet* Search::Run::fewIds() const {
@@ -206,7 +236,7 @@ std::string Search::Run::condition() const {
 std::string Search::Run::order() const {
   const std::string rank = "?" + std::to_string(_plan.parameters().size() + 2);
   const bool isReversed = _settings.isReversed;
-  const std::string dates = isReversed ? "m.date, m.id" : "m.date DESC, m.id DESC";
+  const std::string dates = isReversed ? kOldestFirst : kNewestFirst;
   if (_settings.order == Order::Path) return isReversed ? "f.path DESC" : "f.path";
   if (_settings.order == Order::Date || _ranks.empty()) return dates;
   return "ferncase_rank(" + rank + ", m.id)" + (isReversed ? " DESC, " : ", ") + dates;
@@ -259,6 +289,7 @@ std::optional<std::uint64_t> Search::Run::count(Ref<NSError>* error) {
 Search::Search(StoreReader& reader, const QueryNode& query, SearchSettings settings)
     : _reader(reader),
       _settings(std::move(settings)),
+      _beginning(PrefixWalk::isFor(query, _settings) ? std::optional(query) : std::nullopt),
       _plan(std::make_unique<SearchPlan>(query)),
       _lookups(std::make_unique<Lookups>(reader.database(), _plan->words())) {
   registerSearchFunctions(reader.database());
@@ -267,18 +298,45 @@ Search::Search(StoreReader& reader, const QueryNode& query, SearchSettings setti
 
 Search::~Search() = default;
 
+std::optional<std::vector<std::int64_t>> Search::walkedPage() {
+  if (!_beginning) return std::nullopt;
+  return PrefixWalk(_reader.database(), *_beginning, _settings).page();
+}
+
 bool Search::run(const std::function<bool(std::int64_t id)>& take, Ref<NSError>* error) {
   const Snapshot snapshot(_reader.database());
+  if (const auto page = walkedPage()) {
+    std::ranges::all_of(*page, take);
+    return true;
+  }
   Run run(_reader, *_plan, _settings);
+  if (!run.prepare(error)) return false;
+  if (const auto page = run.rankedPage()) {
+    std::ranges::all_of(*page, take);
+    return true;
+  }
   const auto takeId = [&](const Statement& row) { return take(row.integer(0)); };
-  return run.prepare(error) && run.each(Columns::Id, takeId, error);
+  return run.each(Columns::Id, takeId, error);
+}
+
+bool Search::eachPath(IdList ids, const std::function<bool(std::string_view path)>& take,
+                      Ref<NSError>* error) {
+  for (const std::int64_t id : ids) {
+    const auto each = path(id, error);
+    if (!each) return false;
+    if (!take(*each)) break;
+  }
+  return true;
 }
 
 bool Search::runPaths(const std::function<bool(std::string_view path)>& take, Ref<NSError>* error) {
   const Snapshot snapshot(_reader.database());
+  if (const auto page = walkedPage()) return eachPath(*page, take, error);
   Run run(_reader, *_plan, _settings);
+  if (!run.prepare(error)) return false;
+  if (const auto page = run.rankedPage()) return eachPath(*page, take, error);
   const auto takePath = [&](const Statement& row) { return take(row.bytes(0)); };
-  return run.prepare(error) && run.each(Columns::Path, takePath, error);
+  return run.each(Columns::Path, takePath, error);
 }
 
 std::optional<std::uint64_t> Search::count(Ref<NSError>* error) {

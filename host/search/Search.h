@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -18,7 +19,7 @@ namespace kbx {
 struct SearchSettings {
   enum class Order : std::uint8_t {
     Date,  // the newest first; what has no date comes last
-    Rank,  // what fits the words best first, then by date
+    Rank,  // of the newest 5,000 what fits the words best first; then by date
     Path   // by the bytes of the paths
   };
 
@@ -80,8 +81,13 @@ class Search {
   class Run;
   struct Lookups;
 
+  std::optional<std::vector<std::int64_t>> walkedPage();
+  bool eachPath(std::span<const std::int64_t> ids,
+                const std::function<bool(std::string_view path)>& take, Ref<NSError>* error);
+
   StoreReader& _reader;
   const SearchSettings _settings;
+  const std::optional<QueryNode> _beginning;  // the query, where a PrefixWalk may find its page
   const std::unique_ptr<const class SearchPlan> _plan;
   const std::unique_ptr<Lookups> _lookups;
 };

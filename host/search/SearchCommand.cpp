@@ -147,6 +147,9 @@ SearchSettings SearchCommand::searchSettings() const {
   settings.offset = _options.offset;
   settings.limit = _options.limit;
   if (_options.limit == 0) settings.limit.reset();
+  // One more than people are shown, to know whether there are more.
+  const bool isPage = _isForTerminal && !_options.isCount && !_options.isLive;
+  if (isPage && !_options.limit) settings.limit = kTerminalLimit + 1;
   return settings;
 }
 

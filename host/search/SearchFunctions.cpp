@@ -18,8 +18,7 @@ void isIn(sqlite3_context* context, int, sqlite3_value** arguments) {
 void rank(sqlite3_context* context, int, sqlite3_value** arguments) {
   const auto* table = objectIn<const RankTable>(arguments[0], kRankType);
   if (!table) return;
-  const auto found = table->find(sqlite3_value_int64(arguments[1]));
-  sqlite3_result_double(context, found == table->end() ? 0 : found->second);
+  sqlite3_result_double(context, rankOf(*table, sqlite3_value_int64(arguments[1])));
 }
 
 }  // namespace

@@ -206,6 +206,50 @@ TEST_F(SearchTest, TheOrderIsTheOneAskedFor) {
   EXPECT_EQ(found("is:read", {.order = Order::Rank}), "engine") << "without words by date";
 }
 
+TEST(Search, OfMoreThanFiveThousandTheNewestAreRanked) {
+  std::vector<TestMail> mails;
+  for (int i = 0; i < 5'001; ++i)
+    mails.push_back({.path = "/m/" + std::to_string(i), .body = "loom", .date = 1000. + i});
+  mails[0].subject = mails[7].subject = "loom";
+  const MailStore store(mails);
+  const auto reader = store.reader();
+  const auto found = [&](SearchSettings settings) {
+    std::vector<std::string> paths;
+    Search search(*reader, parseQuery("loom"), std::move(settings));
+    EXPECT_TRUE(
+        search.runPaths([&](auto path) { return paths.emplace_back(path), true; }, nullptr));
+    return paths;
+  };
+  using Order = SearchSettings::Order;
+  using Paths = std::vector<std::string>;
+  EXPECT_EQ(found({.order = Order::Rank, .limit = 2}), (Paths{"/m/7", "/m/5000"}));
+  EXPECT_EQ(found({.order = Order::Rank, .limit = 2, .offset = 4'999}), (Paths{"/m/1", "/m/0"}));
+  EXPECT_EQ(found({.order = Order::Rank, .isReversed = true, .limit = 2}), (Paths{"/m/0", "/m/1"}));
+  const Paths all = found({.order = Order::Rank});
+  ASSERT_EQ(all.size(), 5'001u);
+  EXPECT_EQ(all.front(), "/m/7");
+  EXPECT_EQ(all.back(), "/m/0");
+}
+
+TEST_F(SearchTest, PathsComeInTheSameOrderAsIds) {
+  for (const char* query : {"*", "weaves", "is:read", "w*", "-weaves"})
+    for (const auto order :
+         {SearchSettings::Order::Date, SearchSettings::Order::Rank, SearchSettings::Order::Path})
+      for (const bool isReversed : {false, true})
+        for (const auto limit : {std::optional<std::uint64_t>(2), std::optional<std::uint64_t>()}) {
+          std::vector<std::string> paths, pathsOfIds;
+          Search search(*_reader, parseQuery(query),
+                        {.order = order, .isReversed = isReversed, .limit = limit});
+          const auto take = [&](auto path) { return paths.emplace_back(path), true; };
+          EXPECT_TRUE(search.runPaths(take, nullptr));
+          const auto takeId = [&](std::int64_t id) {
+            return pathsOfIds.push_back(search.path(id, nullptr).value()), true;
+          };
+          EXPECT_TRUE(search.run(takeId, nullptr));
+          EXPECT_EQ(paths, pathsOfIds) << query;
+        }
+}
+
 TEST_F(SearchTest, PagesAreCutFromTheWhole) {
   EXPECT_EQ(found("*", {.limit = 2}), "reply engine");
   EXPECT_EQ(found("*", {.limit = 2, .offset = 1}), "engine budget");

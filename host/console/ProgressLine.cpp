@@ -43,9 +43,16 @@ void ProgressLine::expect(std::uint64_t total) {
 }
 
 void ProgressLine::count(bool isDelivered) {
-  ++_done;
   if (!isDelivered) ++_failed;
-  if (!_columns) return;
+  advance(1);
+}
+
+void ProgressLine::advance(std::uint64_t count) {
+  _done += count;
+  if (_columns) refresh();
+}
+
+void ProgressLine::refresh() {
   const double seconds = Clock::current().secondsSince1970() - _start;
   if (seconds < kFirst || seconds - _shown < kNext) return;
   _shown = seconds;

@@ -23,8 +23,11 @@ class ProgressLine {
   void expect(std::uint64_t total);
   /// One more is done, for better or worse.
   void count(bool isDelivered);
+  /// So many more are done well.
+  void advance(std::uint64_t count);
 
  private:
+  void refresh();
   void show(double seconds);
 
   Diagnostics& _diagnostics;

@@ -6,6 +6,7 @@
 
 #include "host/console/Escaping.h"
 #include "host/console/Interruption.h"
+#include "host/console/ProgressLine.h"
 #include "host/console/StandardStreams.h"
 #include "host/console/Terminal.h"
 #include "host/index/IndexReport.h"
@@ -223,7 +224,13 @@ ExitCode IndexCommand::forget(Console& console) const {
 
 ExitCode IndexCommand::check(Console& console) const {
   Ref<NSError> error;
-  const auto findings = checkStore(_options.store.path(), &error);
+  std::optional<ProgressLine> line;
+  line.emplace(console.diagnostics, _options.isQuiet ? 0 : terminalColumns(kStandardError));
+  const auto findings =
+      checkStore(_options.store.path(), &error,
+                 {.begins = [&](std::uint64_t steps) { line->expect(steps); },
+                  .advances = [&](std::uint64_t steps) { line->advance(steps); }});
+  line.reset();
   if (!findings) {
     complain(console, error);
     return kUndone;

@@ -71,7 +71,8 @@ std::optional<StoreStatus> statusOf(const std::string& path, Ref<NSError>* error
   return status;
 }
 
-std::optional<std::vector<std::string>> checkStore(const std::string& path, Ref<NSError>* error) {
+std::optional<std::vector<std::string>> checkStore(const std::string& path, Ref<NSError>* error,
+                                                   const CheckProgress& progress) {
   auto store = StoreReader::open(path, error);
   if (!store) return std::nullopt;
   std::vector<std::string> findings;
@@ -80,7 +81,7 @@ std::optional<std::vector<std::string>> checkStore(const std::string& path, Ref<
   addRows(database, kWithoutFile, findings);
   addRows(database, kWithoutMessage, findings);
   addRows(database, kWithBoth, findings);
-  checkIndex(database, kMostFindings, findings);
+  checkIndex(database, kMostFindings, findings, progress);
   return findings;
 }
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/store/IndexCheck.h"
 #include "platform/objects/NSError.h"
 
 namespace kbx {
@@ -26,7 +27,8 @@ std::optional<StoreStatus> statusOf(const std::string& path, Ref<NSError>* error
 /// reads stay in the log meanwhile.
 ///
 /// Absent with an error when it cannot be read so far that a check could begin.
-std::optional<std::vector<std::string>> checkStore(const std::string& path, Ref<NSError>* error);
+std::optional<std::vector<std::string>> checkStore(const std::string& path, Ref<NSError>* error,
+                                                   const CheckProgress& progress = {});
 
 /// Brings the index into the form that is searched fastest, gives unused space back and empties the
 /// log. Takes the right to write; false with an error when another process has it.

@@ -81,6 +81,32 @@ TEST_F(MaintenanceTest, FilesAndMessagesBelongTogether) {
                       "file 3 has both a message and a failure"}));
 }
 
+TEST_F(MaintenanceTest, WordsAtOtherPlacesAreFound) {
+  // In the index as the words of the same message, but in another order or in another text.
+  change(
+      "INSERT INTO word (word, rowid, subject, body, file)"
+      " SELECT 'delete', id, subject, body, file FROM message WHERE id IN (3, 5);"
+      "INSERT INTO word (rowid, subject, body, file)"
+      " SELECT id, '3 Number', body, file FROM message WHERE id = 3;"
+      "INSERT INTO word (rowid, sender, body, file)"
+      " SELECT id, subject, body, file FROM message WHERE id = 5");
+  EXPECT_EQ(findings(), (Findings{"the index has other words than message 3",
+                                  "the index has other words than message 5"}));
+}
+
+TEST_F(MaintenanceTest, ACheckTellsHowFarItIs) {
+  std::vector<std::uint64_t> stretches;
+  std::uint64_t steps = 0;
+  const CheckProgress progress{.begins = [&](std::uint64_t count) { stretches.push_back(count); },
+                               .advances = [&](std::uint64_t count) { steps += count; }};
+  EXPECT_EQ(checkStore(path(), &error, progress), Findings());
+  ASSERT_EQ(stretches.size(), 2u);
+  EXPECT_EQ(stretches[0], 49u) << "messages";
+  EXPECT_GT(stretches[1], 49u * 8) << "words";
+  EXPECT_GE(steps, 49u);
+  EXPECT_LE(steps, 49u + stretches[1]);
+}
+
 TEST_F(MaintenanceTest, DamagedPagesAreFound) {
   std::fstream file(path(), std::ios::in | std::ios::out | std::ios::binary);
   file.seekp(3 * 8192);

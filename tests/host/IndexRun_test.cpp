@@ -545,6 +545,21 @@ TEST_F(IndexRunTest, AStoreThatFailsEndsTheRunAndKeepsWhatWasCommitted) {
   EXPECT_EQ(messages().size(), 5u);
 }
 
+TEST_F(IndexRunTest, NoOtherProcessHasTheStoreOpen) {
+  write("a.eml", "one");
+  _settings.imports.isIsolated = true;
+  std::size_t processes = 0;
+  afterEvent = [&](const std::string&) {
+    for (const pid_t process : ownDescendants()) {
+      ++processes;
+      EXPECT_THAT(openFilesOf(process), testing::Each(testing::Not(HasSubstr("mail.db"))));
+    }
+    EXPECT_THAT(openFilesOf(::getpid()), testing::Contains(HasSubstr("mail.db")));
+  };
+  EXPECT_THAT(index(), ElementsAre("added a.eml"));
+  EXPECT_GE(processes, 2u);
+}
+
 TEST_F(IndexRunTest, WithoutProcessesTheRunEndsAndMarksNothing) {
   constexpr int kMessages = 600;  // more than a worker has in hand
   for (int i = 0; i < kMessages; ++i) write(std::to_string(i) + ".eml", "text");

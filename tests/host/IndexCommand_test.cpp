@@ -203,6 +203,14 @@ TEST_F(IndexCommandTest, AFolderIsStoredUnderItsRealPath) {
   EXPECT_EQ(count(), 1);
 }
 
+TEST_F(IndexCommandTest, AMessageInTheWorkingFolderIsNamedWithoutAFolder) {
+  write("a.eml", "one");
+  const auto finished =
+      Process({FERNCASE_BINARY, "index", "--db", store().string(), "a.eml"}).folder(mail()).run();
+  EXPECT_EQ(finished.exitCode, 0) << finished.complaints;
+  EXPECT_EQ(count(), 1);
+}
+
 TEST_F(IndexCommandTest, OnlyOneIndexerWritesAtATime) {
   write("a.eml", "one");
   Ref<NSError> error;

@@ -115,7 +115,8 @@ class SystemFolderReader final : public FolderReader {
     if (entry->isFolder) return 0;
     if (!S_ISREG(status.st_mode)) return ENOTSUP;
     std::uint64_t device = status.st_dev;
-    const int failure = deviceOfFolder(path.substr(0, path.rfind('/') + 1), &device);
+    const std::string folder = path.substr(0, path.rfind('/') + 1);
+    const int failure = deviceOfFolder(folder.empty() ? "." : folder, &device);
     entry->state = stateOf(status, device);
     return failure;
   }

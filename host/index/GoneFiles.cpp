@@ -1,6 +1,18 @@
 #include "host/index/GoneFiles.h"
 
+#include <string_view>
+
+#include "platform/text/ASCII.h"
+
 namespace kbx {
+namespace {
+
+/// Whether the names of both files have the same content read as the same message.
+bool isReadAlike(std::string_view one, std::string_view other) {
+  return endsIgnoringASCIICase(one, ".emlx") == endsIgnoringASCIICase(other, ".emlx");
+}
+
+}  // namespace
 
 void GoneFiles::add(KnownFile file) {
   const std::size_t place = _items.size();
@@ -16,20 +28,21 @@ void GoneFiles::add(KnownFile file) {
   _items.push_back({std::move(file)});
 }
 
-std::optional<KnownFile> GoneFiles::take(const FileState& state,
+std::optional<KnownFile> GoneFiles::take(const std::string& path, const FileState& state,
                                          const std::function<std::optional<ContentHash>()>& hash) {
   if (isEmpty()) return std::nullopt;
   // Nobody can set the time of the last change; it stays when a folder above the file is renamed.
   auto place = find(_byInode, state.inode, [&](const KnownFile& file) {
     return file.state.size == state.size && file.state.modified == state.modified &&
-           file.state.changed == state.changed;
+           file.state.changed == state.changed && isReadAlike(file.path, path);
   });
   if (place) return take(*place);
   if (!_sizes.contains(state.size)) return std::nullopt;
   const auto content = hash();
   if (!content) return std::nullopt;
-  place =
-      find(_byHash, *content, [&](const KnownFile& file) { return file.state.size == state.size; });
+  place = find(_byHash, *content, [&](const KnownFile& file) {
+    return file.state.size == state.size && isReadAlike(file.path, path);
+  });
   return place ? std::optional(take(*place)) : std::nullopt;
 }
 

@@ -19,10 +19,12 @@ class GoneFiles {
   void add(KnownFile file);
   bool isEmpty() const noexcept { return _left == 0; }
 
-  /// One that was the same file, or that had the same content. It is no longer among the gone ones.
+  /// One that was the same file, or that had the same content, and is the same message under its
+  /// new path: an .emlx file is read in another way than others. It is no longer among the gone
+  /// ones.
   ///
   /// hash  asked only when the content must tell; may answer nothing
-  std::optional<KnownFile> take(const FileState& state,
+  std::optional<KnownFile> take(const std::string& path, const FileState& state,
                                 const std::function<std::optional<ContentHash>()>& hash);
 
   /// Calls for each that was not taken, in the order in which they were added, until it answers

@@ -199,7 +199,7 @@ bool IndexRun::isSettled(const Difference& difference, Pending& file) {
       return true;
     }
   }
-  const auto from = _plan.gone().take(file.state, hash);
+  const auto from = _plan.gone().take(file.path, file.state, hash);
   if (from) move(*from, file);
   return from.has_value();
 }

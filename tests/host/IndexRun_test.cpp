@@ -356,6 +356,14 @@ TEST_F(IndexRunTest, ARenameOntoAnotherFileTakesItsPlace) {
   EXPECT_EQ(imports, 0);
 }
 
+TEST_F(IndexRunTest, AFileThatIsReadInAnotherWayUnderItsNewNameIsImported) {
+  write("a.emlx", "one");
+  index();
+  rename("a.emlx", "a.eml");
+  EXPECT_THAT(index(), ElementsAre("added a.eml", "removed a.emlx"));
+  EXPECT_EQ(imports, 1);
+}
+
 TEST_F(IndexRunTest, ARenamedFileThatWasChangedTooIsImported) {
   write("a.eml", "one");
   index();

@@ -6,7 +6,9 @@
 #include <sys/socket.h>
 #include <sys/un.h>
 
+#include <fstream>
 #include <nlohmann/json.hpp>
+#include <set>
 
 #include "host/store/Store.h"
 #include "tests/support/Process.h"
@@ -131,6 +133,30 @@ TEST_F(WatchCommandTest, FollowsAMaildir) {
   EXPECT_EQ(next(watch), "moved cur/1690.M1.host:2,S cur/1690.M1.host:2,FRS");
   EXPECT_EQ(found("com_apple_mail_flagged == 1 && com_apple_mail_repliedTo == 1"),
             "cur/1690.M1.host:2,FRS\n");
+}
+
+TEST_F(WatchCommandTest, AQueueThatRanOverLosesNothing) {
+  long most = 0;
+  std::ifstream("/proc/sys/fs/inotify/max_queued_events") >> most;
+  if (most <= 0 || most > 200'000) GTEST_SKIP() << "the system's queue has no usual size";
+  deliver("first.eml", "first");
+  RunningProcess watch(command());
+  EXPECT_EQ(next(watch), "added first.eml");
+  EXPECT_EQ(next(watch), "ready");
+  watch.tell(SIGSTOP);
+  for (long i = 0; i <= most / 4; ++i) {  // two notices for each renaming
+    fs::rename(_mail / "first.eml", _mail / "other");
+    fs::rename(_mail / "other", _mail / "first.eml");
+  }
+  deliver("unseen.eml", "unseen");
+  fs::create_directory(_mail / "folder");
+  deliver("folder/deep.eml", "deep");
+  watch.tell(SIGCONT);
+  EXPECT_EQ(next(watch), "rescan");
+  const std::set<std::string> events{next(watch), next(watch)};
+  EXPECT_EQ(events, (std::set<std::string>{"added folder/deep.eml", "added unseen.eml"}));
+  deliver("folder/later.eml", "later");
+  EXPECT_EQ(next(watch), "added folder/later.eml") << "new folders are watched";
 }
 
 TEST_F(WatchCommandTest, LinksAndOtherFilesAreNoMessages) {

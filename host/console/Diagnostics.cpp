@@ -1,6 +1,7 @@
 #include "host/console/Diagnostics.h"
 
 #include "host/console/Escaping.h"
+#include "platform/objects/NSError.h"
 
 namespace kbx {
 namespace {
@@ -37,6 +38,10 @@ void Diagnostics::failure(std::string_view path, NSString* reason) {
   _output.write(": ");
   writeOnOneLine(_output, reason);
   _output.write('\n');
+}
+
+void Diagnostics::failure(NSError* error) {
+  message(error->localizedDescription()->lossyUTF8());
 }
 
 void Diagnostics::message(std::string_view utf8) {

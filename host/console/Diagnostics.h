@@ -10,6 +10,8 @@
 
 namespace kbx {
 
+class NSError;
+
 /// Writes whole lines. Whatever a path or a reason holds, it stays on its line and cannot drive a
 /// terminal. Safe from any thread.
 class Diagnostics {
@@ -18,6 +20,8 @@ class Diagnostics {
 
   /// "ferncase: PATH: reason"; the path in bytes. An empty one shows as ''.
   void failure(std::string_view path, NSString* reason);
+  /// "ferncase: DESCRIPTION" of what went wrong with no input in particular.
+  void failure(NSError* error);
   /// "ferncase: text".
   void message(std::string_view utf8);
   /// Several lines as they are: our own words alone.

@@ -22,10 +22,6 @@ struct Options {
   StoreOption store;
 };
 
-void complain(Console& console, NSError* error) {
-  console.diagnostics.message(error->localizedDescription()->lossyUTF8());
-}
-
 /// One export: which messages, and where they go.
 class ExportRun {
  public:
@@ -151,7 +147,7 @@ void ExportCommand::checkUsage() const {
 std::unique_ptr<StoreReader> ExportCommand::openStore(Console& console) const {
   Ref<NSError> error;
   auto store = StoreReader::open(_options.store.path(), &error);
-  if (!store) complain(console, error);
+  if (!store) console.diagnostics.failure(error);
   return store;
 }
 
@@ -167,7 +163,7 @@ ExitCode ExportCommand::exportTo(Output& output, StoreReader& store, const std::
   Ref<NSError> error;
   const bool isRead = query.empty() ? run.exportAll(&error) : run.exportFound(query, &error);
   if (!isRead) {
-    complain(console, error);
+    console.diagnostics.failure(error);
     return kUndone;
   }
   if (run.hasFailures()) return run.hasExported() ? kSomeFailed : kNoneDelivered;

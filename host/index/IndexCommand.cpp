@@ -34,10 +34,6 @@ struct Options {
 
 enum class Task : std::uint8_t { Index, Status, Check, Optimize };
 
-void complain(Console& console, NSError* error) {
-  console.diagnostics.message(error->localizedDescription()->lossyUTF8());
-}
-
 /// The place of what may not be there any more.
 std::string formerPlaceOf(const std::string& operand) {
   std::error_code failure;
@@ -135,31 +131,22 @@ ExitCode IndexCommand::run(std::vector<std::string> operands, Console& console) 
 
 // ---- Indexing -----------------------------------------------------------------------------------
 
-std::optional<std::vector<std::string>> rememberedPlaces(StoreWriter& store, Console& console) {
-  Ref<NSError> error;
-  const auto folders = indexedFolders(store.database(), &error);
-  if (!folders) {
-    complain(console, error);
-    return std::nullopt;
-  }
-  std::vector<std::string> places;
-  for (const IndexedFolder& folder : *folders) places.push_back(folder.path);
-  return places;
-}
-
 ExitCode IndexCommand::index(const std::vector<std::string>& operands, Console& console) const {
   std::vector<std::string> places = placesOf(operands, console);
   if (!operands.empty() && places.empty()) return kNoneDelivered;
   Ref<NSError> error;
   auto store = StoreWriter::open(_options.store.path(), &error);
   if (!store || !rememberFolders(*store, outermost(places), &error)) {
-    complain(console, error);
+    console.diagnostics.failure(error);
     return kUndone;
   }
   const bool hasFailures = places.size() < operands.size();
   if (operands.empty()) {
-    auto remembered = rememberedPlaces(*store, console);
-    if (!remembered) return kUndone;
+    auto remembered = indexedPlaces(store->database(), &error);
+    if (!remembered) {
+      console.diagnostics.failure(error);
+      return kUndone;
+    }
     if (remembered->empty()) throw UsageError("index needs a DIR, as no folder was indexed before");
     places = std::move(*remembered);
   }
@@ -189,12 +176,7 @@ ExitCode exitCodeOf(IndexRun::End end, const IndexRun& run) {
 ExitCode IndexCommand::runOver(StoreWriter& store, const std::vector<std::string>& roots,
                                Console& console) const {
   const Interruption noted;
-  // Events that appear on a terminal show the progress themselves.
-  const bool isLive =
-      !_options.isQuiet && !(_options.hasEvents && terminalColumns(kStandardOutput));
-  IndexReport report(console, {.hasEvents = _options.hasEvents,
-                               .columns = isLive ? terminalColumns(kStandardError) : 0,
-                               .hasSummary = !_options.isQuiet});
+  IndexReport report(console, wishesFor(_options.hasEvents, _options.isQuiet));
   IndexSettings settings;
   _options.workers.applyTo(settings.imports, console.diagnostics);
   settings.retriesFailures = _options.retriesFailures;
@@ -204,7 +186,7 @@ ExitCode IndexCommand::runOver(StoreWriter& store, const std::vector<std::string
   Ref<NSError> error;
   const IndexRun::End end = run.run(roots, &error);
   report.summarize(run.counts());
-  if (error) complain(console, error);
+  if (error) console.diagnostics.failure(error);
   return exitCodeOf(end, run);
 }
 
@@ -215,7 +197,7 @@ ExitCode IndexCommand::forget(Console& console) const {
   std::uint64_t forgotten = 0;
   auto store = StoreWriter::open(_options.store.path(), &error);
   if (!store || !forgetFolder(*store, formerPlaceOf(*_options.forget), &forgotten, &error)) {
-    complain(console, error);
+    console.diagnostics.failure(error);
     return kUndone;
   }
   if (!_options.isQuiet) console.diagnostics.message(std::to_string(forgotten) + " removed");
@@ -232,7 +214,7 @@ ExitCode IndexCommand::check(Console& console) const {
                   .advances = [&](std::uint64_t steps) { line->advance(steps); }});
   line.reset();
   if (!findings) {
-    complain(console, error);
+    console.diagnostics.failure(error);
     return kUndone;
   }
   for (const std::string& finding : *findings) {
@@ -246,7 +228,7 @@ ExitCode IndexCommand::check(Console& console) const {
 ExitCode IndexCommand::optimize(Console& console) const {
   Ref<NSError> error;
   if (optimizeStore(_options.store.path(), &error)) return kDone;
-  complain(console, error);
+  console.diagnostics.failure(error);
   return kUndone;
 }
 

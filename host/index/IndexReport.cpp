@@ -1,8 +1,17 @@
 #include "host/index/IndexReport.h"
 
+#include "host/console/StandardStreams.h"
+#include "host/console/Terminal.h"
 #include "host/index/EventLine.h"
 
 namespace kbx {
+
+IndexReport::Wishes wishesFor(bool hasEvents, bool isQuiet) {
+  const bool isLive = !isQuiet && !(hasEvents && terminalColumns(kStandardOutput));
+  return {.hasEvents = hasEvents,
+          .columns = isLive ? terminalColumns(kStandardError) : 0,
+          .hasSummary = !isQuiet};
+}
 
 std::string summaryText(const IndexCounts& counts) {
   struct Part {

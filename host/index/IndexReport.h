@@ -44,6 +44,10 @@ class IndexReport final : public IndexListener {
   ProgressLine _progress;
 };
 
+/// What is shown where the streams lead now: progress on a terminal, unless the user wants quiet or
+/// sees the events there.
+IndexReport::Wishes wishesFor(bool hasEvents, bool isQuiet);
+
 /// "3 added, 0 changed, 0 moved, 1 removed, 96 unchanged, 0 failed"
 std::string summaryText(const IndexCounts& counts);
 

@@ -155,7 +155,7 @@ bool print(const std::string& path, bool isJSON, Output& output, Ref<NSError>* e
 ExitCode printIndexStatus(const std::string& storePath, bool isJSON, Console& console) {
   Ref<NSError> error;
   if (print(storePath, isJSON, console.output, &error)) return kDone;
-  console.diagnostics.message(error->localizedDescription()->lossyUTF8());
+  console.diagnostics.failure(error);
   return kUndone;
 }
 

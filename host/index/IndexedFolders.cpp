@@ -77,6 +77,14 @@ std::optional<std::vector<IndexedFolder>> indexedFolders(Database& store, Ref<NS
   return step == Statement::Step::Done ? std::optional(std::move(folders)) : std::nullopt;
 }
 
+std::optional<std::vector<std::string>> indexedPlaces(Database& store, Ref<NSError>* error) {
+  auto folders = indexedFolders(store, error);
+  if (!folders) return std::nullopt;
+  std::vector<std::string> places;
+  for (IndexedFolder& folder : *folders) places.push_back(std::move(folder.path));
+  return places;
+}
+
 bool rememberFolders(StoreWriter& store, const std::vector<std::string>& paths,
                      Ref<NSError>* error) {
   const auto folders = indexedFolders(store.database(), error);

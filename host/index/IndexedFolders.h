@@ -20,6 +20,9 @@ struct IndexedFolder {
 /// The remembered ones in the order of their paths' bytes. Absent when the store cannot be read.
 std::optional<std::vector<IndexedFolder>> indexedFolders(Database& store, Ref<NSError>* error);
 
+/// The paths of these.
+std::optional<std::vector<std::string>> indexedPlaces(Database& store, Ref<NSError>* error);
+
 /// Remembers what is to be indexed. What lies inside of one of them needs no place of its own, and
 /// what lies inside of a remembered one is not added.
 bool rememberFolders(StoreWriter& store, const std::vector<std::string>& paths,

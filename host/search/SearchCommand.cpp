@@ -168,17 +168,23 @@ FoundSettings SearchCommand::foundSettings() const {
 std::unique_ptr<StoreReader> SearchCommand::openStore(Diagnostics& diagnostics) const {
   Ref<NSError> error;
   auto reader = StoreReader::open(_options.store.path(), &error);
-  if (!reader) diagnostics.message(error->localizedDescription()->lossyUTF8());
+  if (!reader) diagnostics.failure(error);
   return reader;
+}
+
+/// error  absent where a message is not there any more
+ExitCode unreadable(Diagnostics& diagnostics, NSError* error) {
+  if (error)
+    diagnostics.failure(error);
+  else
+    diagnostics.message("a message has gone from the store meanwhile");
+  return kNoStore;
 }
 
 ExitCode SearchCommand::count(Search& search, Console& console) const {
   Ref<NSError> error;
   const auto count = search.count(&error);
-  if (!count) {
-    console.diagnostics.message(error->localizedDescription()->lossyUTF8());
-    return kNoStore;
-  }
+  if (!count) return unreadable(console.diagnostics, error);
   console.output.write(std::to_string(*count) + "\n");
   return *count > 0 ? kDone : kUndone;
 }
@@ -203,11 +209,7 @@ ExitCode SearchCommand::list(Search& search, FoundWriter& writer, Console& conso
   writer.end();
   if (most && count > *most && console.output.flush())
     console.diagnostics.message("there are more; --limit 0 prints all");
-  if (!isDone) {
-    console.diagnostics.message(error ? error->localizedDescription()->lossyUTF8()
-                                      : "a message has gone from the store meanwhile");
-    return kNoStore;
-  }
+  if (!isDone) return unreadable(console.diagnostics, error);
   return count > 0 ? kDone : kUndone;
 }
 
@@ -222,11 +224,7 @@ ExitCode SearchCommand::follow(LiveSearch& search, FoundWriter& writer, Console&
   while (!Interruption::isWished()) {
     const bool isDone = search.update(take, &error);
     if (!console.output.flush()) return kBroken;
-    if (!isDone) {
-      console.diagnostics.message(error ? error->localizedDescription()->lossyUTF8()
-                                        : "a message has gone from the store meanwhile");
-      return kNoStore;
-    }
+    if (!isDone) return unreadable(console.diagnostics, error);
     if (!waitForReader(kPauseMilliseconds)) break;
   }
   return hasFound ? kDone : kUndone;

@@ -146,7 +146,7 @@ ExitCode ShowCommand::run(std::vector<std::string> operands, Console& console) {
   Ref<NSError> error;
   const auto store = StoreReader::open(_options.store.path(), &error);
   if (!store) {
-    console.diagnostics.message(error->localizedDescription()->lossyUTF8());
+    console.diagnostics.failure(error);
     return kUndone;
   }
   const auto results = _options.results.makeResults(console.output, operands.size() > 1);

@@ -5,8 +5,6 @@
 #include <utility>
 
 #include "host/console/Interruption.h"
-#include "host/console/StandardStreams.h"
-#include "host/console/Terminal.h"
 #include "host/index/IndexedFolders.h"
 #include "host/index/Places.h"
 #include "host/store/StoreErrors.h"
@@ -61,10 +59,6 @@ void WatchCommand::declareOptions(CLI::App& options) {
   _options.workers.declareOn(options);
 }
 
-void complain(Console& console, NSError* error) {
-  console.diagnostics.message(error->localizedDescription()->lossyUTF8());
-}
-
 /// Takes away those that are files: a watch is of folders.
 void leaveFoldersOnly(std::vector<std::string>& places, Diagnostics& diagnostics) {
   std::erase_if(places, [&](const std::string& place) {
@@ -85,11 +79,7 @@ bool remember(const std::string& store, const std::vector<std::string>& places,
 std::optional<std::vector<std::string>> rememberedFolders(const std::string& store,
                                                           Ref<NSError>* error) {
   const auto reader = StoreReader::open(store, error);
-  const auto folders = reader ? indexedFolders(reader->database(), error) : std::nullopt;
-  if (!folders) return std::nullopt;
-  std::vector<std::string> places;
-  for (const IndexedFolder& folder : *folders) places.push_back(folder.path);
-  return places;
+  return reader ? indexedPlaces(reader->database(), error) : std::nullopt;
 }
 
 /// Absent with an exit code when there is nothing to follow.
@@ -105,12 +95,12 @@ std::optional<std::vector<std::string>> rootsFor(const std::vector<std::string>&
   Ref<NSError> error;
   if (!operands.empty()) {
     if (remember(store, places, &error)) return places;
-    complain(console, error);
+    console.diagnostics.failure(error);
     return std::nullopt;
   }
   auto remembered = rememberedFolders(store, &error);
   if (!remembered && error->code() != StoreMissingError) {
-    complain(console, error);
+    console.diagnostics.failure(error);
     return std::nullopt;
   }
   if (remembered) leaveFoldersOnly(*remembered, console.diagnostics);
@@ -135,11 +125,7 @@ ExitCode WatchCommand::run(std::vector<std::string> operands, Console& console) 
 ExitCode WatchCommand::follow(const std::string& store, std::vector<std::string> roots,
                               FolderWatcher& watcher, Console& console) const {
   const Interruption noted;
-  const bool isLive =
-      !_options.isQuiet && !(_options.hasEvents && terminalColumns(kStandardOutput));
-  WatchReport report(console, {.hasEvents = _options.hasEvents,
-                               .columns = isLive ? terminalColumns(kStandardError) : 0,
-                               .hasSummary = !_options.isQuiet});
+  WatchReport report(console, wishesFor(_options.hasEvents, _options.isQuiet));
   ImportSettings imports;
   _options.workers.applyTo(imports, console.diagnostics);
   StoreIndex index(store, imports, report);

@@ -117,9 +117,7 @@ void WatchReport::waiting(NSError* error) {
   _console.diagnostics.message(reason + "; waiting");
 }
 
-void WatchReport::failed(NSError* error) {
-  _console.diagnostics.message(error->localizedDescription()->lossyUTF8());
-}
+void WatchReport::failed(NSError* error) { _console.diagnostics.failure(error); }
 
 // The line that shows progress belongs to the first update; later ones are small and many.
 

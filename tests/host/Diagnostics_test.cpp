@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "host/console/FerncaseErrors.h"
 #include "tests/support/Text.h"
 
 namespace kbx {
@@ -23,6 +24,12 @@ TEST(Diagnostics, AnEmptyPathCanBeSeen) {
   Said said;
   said.diagnostics.failure("", "No."_ns);
   EXPECT_EQ(said.output.text(), "ferncase: '': No.\n");
+}
+
+TEST(Diagnostics, AFailureOfNoPathIsTheErrorsDescription) {
+  Said said;
+  said.diagnostics.failure(ferncaseError(FerncaseNoMessagesError, "No\nmail."));
+  EXPECT_EQ(said.output.text(), "ferncase: No\\nmail.\n");
 }
 
 TEST(Diagnostics, AMessageIsOneLine) {

@@ -12,12 +12,7 @@ using testing::ElementsAre;
 
 class IndexedFoldersTest : public testing::Test {
  protected:
-  std::vector<std::string> folders() {
-    std::vector<std::string> paths;
-    const auto found = indexedFolders(_store->database(), &_error);
-    for (const auto& folder : found.value()) paths.push_back(folder.path);
-    return paths;
-  }
+  std::vector<std::string> folders() { return indexedPlaces(_store->database(), &_error).value(); }
   std::optional<std::int64_t> indexed(std::size_t index) {
     return indexedFolders(_store->database(), &_error).value().at(index).indexed;
   }

@@ -10,6 +10,7 @@
 #include "host/results/DateText.h"
 #include "host/results/RepeatedContent.h"
 #include "platform/files/FileNames.h"
+#include "platform/markup/Entities.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSDate.h"
@@ -34,23 +35,10 @@ constexpr bool isNoXMLCharacter(char16_t unit) {
          unit >= 0xFFFE;
 }
 
-std::string_view nameOf(char16_t unit) {
-  switch (unit) {
-    case '<':
-      return "&lt;";
-    case '>':
-      return "&gt;";
-    case '&':
-      return "&amp;";
-    default:
-      return {};
-  }
-}
-
 void writeEscape(Output& output, char16_t unit) {
   if (unit == '\t' || unit == '\n') return output.write(static_cast<char>(unit));
   if (isNoXMLCharacter(unit)) return output.write(kReplacement);
-  if (const auto name = nameOf(unit); !name.empty()) return output.write(name);
+  if (const auto entity = entityFor(unit); !entity.empty()) return output.write(entity);
   std::array<char, 8> digits;
   const auto end = std::to_chars(digits.begin(), digits.end(), static_cast<unsigned>(unit)).ptr;
   output.write("&#");

@@ -3,18 +3,17 @@
 #include <algorithm>
 
 #include "platform/markup/Characters.h"
+#include "platform/markup/Entities.h"
 
 namespace kbx {
 namespace {
 
 std::string_view referenceFor(char c) {
   switch (c) {
-    case '&':
-      return "&amp;";
     case '<':
-      return "&lt;";
     case '>':
-      return "&gt;";
+    case '&':
+      return entityFor(static_cast<unsigned char>(c));
     case '"':
       return "&quot;";
     case '\t':

@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "platform/markup/Characters.h"
+#include "platform/markup/Entities.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSDate.h"
@@ -62,16 +63,8 @@ class Writer {
 
 /// What is written for a character that cannot stand for itself.
 std::string_view escapeOf(char letter) {
-  switch (letter) {
-    case '<':
-      return "&lt;";
-    case '>':
-      return "&gt;";
-    case '&':
-      return "&amp;";
-    default:
-      return "&#13;";  // a return; a plain one would be read as a line feed
-  }
+  if (letter == '\r') return "&#13;";  // a plain one would be read as a line feed
+  return entityFor(static_cast<unsigned char>(letter));
 }
 
 void Writer::appendEscaped(std::string_view text) {

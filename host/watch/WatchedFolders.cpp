@@ -25,30 +25,11 @@ bool isMaildirName(const std::string& name) {
 
 // ---- The watches ----------------------------------------------------------------------------
 
-std::string WatchedFolders::pathOf(int watch) const {
-  std::vector<const std::string*> names;
-  for (int at = watch; at != kNone; at = _folders.at(at).parent)
-    names.push_back(&_folders.at(at).name);
-  std::string path = *names.back();
-  for (auto name = names.rbegin() + 1; name != names.rend(); ++name) path = entryOf(path, **name);
-  return path;
-}
-
-int WatchedFolders::childOf(int folder, const std::string& name) const {
-  const auto& children = _folders.at(folder).children;
-  const auto found = children.find(name);
-  return found == children.end() ? kNone : found->second;
-}
-
 int WatchedFolders::watchOf(const std::string& path) const {
   for (const auto& [root, known] : _present) {
     if (path == root) return known.watch;
     if (!isBelow(path, root)) continue;
-    int at = known.watch;
-    const std::filesystem::path below(path.substr(root == "/" ? 1 : root.size() + 1));
-    for (auto name = below.begin(); name != below.end() && at != kNone; ++name)
-      at = childOf(at, name->string());
-    return at;
+    return _tree.descendantOf(known.watch, path.substr(root == "/" ? 1 : root.size() + 1));
   }
   return kNone;
 }
@@ -59,32 +40,8 @@ bool WatchedFolders::isWalked(const std::string& folder) const {
   return _present.contains(folder) || isWatchedFolder(folder);
 }
 
-void WatchedFolders::hang(int watch, int parent, const std::string& name) {
-  Folder& folder = _folders[watch];
-  folder.parent = parent;
-  folder.name = name;
-  if (parent != kNone) _folders.at(parent).children[name] = watch;
-}
-
-/// It stays known, under its whole path.
-void WatchedFolders::unhang(int watch) {
-  Folder& folder = _folders.at(watch);
-  if (folder.parent == kNone) return;
-  std::string path = pathOf(watch);
-  _folders.at(folder.parent).children.erase(folder.name);
-  folder.parent = kNone;
-  folder.name = std::move(path);
-}
-
 void WatchedFolders::forget(int watch) {
-  unhang(watch);
-  for (std::vector<int> ahead{watch}; !ahead.empty();) {
-    const auto found = _folders.find(ahead.back());
-    ahead.pop_back();
-    for (const auto& [name, child] : found->second.children) ahead.push_back(child);
-    _watcher.unwatch(found->first);
-    _folders.erase(found);
-  }
+  for (const int removed : _tree.remove(watch)) _watcher.unwatch(removed);
 }
 
 void WatchedFolders::refuse(const std::string& path, int failure) {
@@ -100,8 +57,8 @@ void WatchedFolders::refuse(const std::string& path, int failure) {
 bool WatchedFolders::isOtherNameOf(int watch, const std::string& path) const {
   FileStatus known, named;
   FileSystem& files = FileSystem::current();
-  return files.statusOfLink(pathOf(watch), &known) == 0 && files.statusOfLink(path, &named) == 0 &&
-         known.isSameFile(named);
+  return files.statusOfLink(_tree.pathOf(watch), &known) == 0 &&
+         files.statusOfLink(path, &named) == 0 && known.isSameFile(named);
 }
 
 /// The watch of a folder that had none, or that has moved without a notice; otherwise the negative
@@ -109,10 +66,9 @@ bool WatchedFolders::isOtherNameOf(int watch, const std::string& path) const {
 /// inside itself has no end.
 int WatchedFolders::watch(const std::string& path) {
   int watch = _watcher.watch(path);
-  if (watch >= 0 && _folders.contains(watch)) {
+  if (watch >= 0 && _tree.contains(watch)) {
     if (isOtherNameOf(watch, path)) return -EEXIST;
-    for (auto& [cookie, departure] : _departures)
-      if (departure.watch == watch) departure.watch = kNone;
+    _departures.loseWatch(watch);
     forget(watch);
     watch = _watcher.watch(path);
   }
@@ -123,15 +79,15 @@ void WatchedFolders::enter(int parent, const std::string& name) {
   for (std::vector<Ahead> ahead{{parent, name}}; !ahead.empty();) {
     const Ahead next = std::move(ahead.back());
     ahead.pop_back();
-    const std::string path = entryOf(pathOf(next.parent), next.name);
+    const std::string path = entryOf(_tree.pathOf(next.parent), next.name);
     if (isDeliveryFolder(path)) continue;
-    int found = childOf(next.parent, next.name);
+    int found = _tree.childOf(next.parent, next.name);
     if (found == kNone) found = watch(path);
     if (found < 0) {
       refuse(path, -found);
       continue;
     }
-    hang(found, next.parent, next.name);
+    _tree.hang(found, next.parent, next.name);
     addFoldersIn(found, ahead);
   }
 }
@@ -145,7 +101,7 @@ void WatchedFolders::enterFoldersIn(int folder) {
 /// Read after the folder has its watch, so that a folder that is not seen here gets a notice. Those
 /// that are known are walked again: what was made in one while it moved had a path that was gone.
 void WatchedFolders::addFoldersIn(int folder, std::vector<Ahead>& ahead) {
-  const std::string path = pathOf(folder);
+  const std::string path = _tree.pathOf(folder);
   if (!isWalked(path)) return;
   std::error_code failure, unknown;
   std::filesystem::directory_iterator at(path, failure);
@@ -165,7 +121,7 @@ WatchedFolders::Identity WatchedFolders::identityOf(const std::string& path) {
 }
 
 void WatchedFolders::begin() {
-  _folders.clear();
+  _tree.clear();
   _departures.clear();
   _present.clear();
   _lost.clear();
@@ -186,7 +142,7 @@ bool WatchedFolders::beginRoot(const std::string& root) {
     return found != -ENOENT;
   }
   _present[root] = {found, identity};
-  hang(found, kNone, root);
+  _tree.hang(found, kNone, root);
   enterFoldersIn(found);
   return true;
 }
@@ -195,7 +151,7 @@ void WatchedFolders::lose(const std::string& root) {
   Identity before;
   if (const auto found = _present.find(root); found != _present.end()) {
     before = found->second.identity;
-    if (_folders.contains(found->second.watch)) forget(found->second.watch);
+    if (_tree.contains(found->second.watch)) forget(found->second.watch);
     _present.erase(found);
   }
   const auto cover = identityOf(root);
@@ -265,10 +221,9 @@ std::vector<WatchedFolders::Event> WatchedFolders::takeEvents() {
 /// A folder that was deleted, or whose file system went away. The notices of deleted folders are
 /// followed or preceded by those of the folders around them.
 void WatchedFolders::end(int watch) {
-  const std::string path = pathOf(watch);
-  if (_folders.at(watch).parent == kNone && _present.contains(path)) return lose(path);
-  for (auto& [cookie, departure] : _departures)
-    if (departure.watch == watch) departure.watch = kNone;
+  const std::string path = _tree.pathOf(watch);
+  if (_tree.isRoot(watch) && _present.contains(path)) return lose(path);
+  _departures.loseWatch(watch);
   forget(watch);
   const auto cover = identityOf(path);
   if (cover == Identity{}) return _changes.settle(path);
@@ -280,12 +235,10 @@ void WatchedFolders::end(int watch) {
 
 void WatchedFolders::take(const FolderNotice& notice, Moment now) {
   if (notice.kind == Kind::Lost) _hasLostNotices = true;
-  const auto folder = _folders.find(notice.watch);
-  if (folder == _folders.end()) return;  // it was let go before this was told
+  if (!_tree.contains(notice.watch)) return;  // it was let go before this was told
   if (notice.kind == Kind::Ended) return end(notice.watch);
-  if (notice.kind == Kind::FolderMoved)
-    return folder->second.parent == kNone ? checkRoots() : void();
-  const std::string around = pathOf(notice.watch);
+  if (notice.kind == Kind::FolderMoved) return _tree.isRoot(notice.watch) ? checkRoots() : void();
+  const std::string around = _tree.pathOf(notice.watch);
   const std::string path = entryOf(around, notice.name);
   if (notice.isFolder)
     takeFolder(path, notice, now);
@@ -304,7 +257,7 @@ void WatchedFolders::takeFile(const std::string& path, const FolderNotice& notic
       if (!isHidden) depart(path, notice, kNone, now);
       return;
     case Kind::MovedHere: {
-      const auto departure = departureOf(notice.cookie);
+      const auto departure = _departures.take(notice.cookie);
       const bool isWanted = !isHidden && isWatchedFile(path);
       if (departure) leave(*departure);  // into the same batch, so that it is found again
       if (isWanted) _changes.settle(path);
@@ -316,7 +269,7 @@ void WatchedFolders::takeFile(const std::string& path, const FolderNotice& notic
 }
 
 void WatchedFolders::takeFolder(const std::string& path, const FolderNotice& notice, Moment now) {
-  const int known = childOf(notice.watch, notice.name);
+  const int known = _tree.childOf(notice.watch, notice.name);
   switch (notice.kind) {
     case Kind::MovedAway:
       return depart(path, notice, known, now);
@@ -330,7 +283,7 @@ void WatchedFolders::takeFolder(const std::string& path, const FolderNotice& not
 }
 
 void WatchedFolders::appear(const std::string& path, const FolderNotice& notice) {
-  const std::string around = pathOf(notice.watch);
+  const std::string around = _tree.pathOf(notice.watch);
   if (!isWalked(around)) return;
   enter(notice.watch, notice.name);
   if (!isWalked(path)) return;
@@ -340,12 +293,12 @@ void WatchedFolders::appear(const std::string& path, const FolderNotice& notice)
 }
 
 void WatchedFolders::arrive(const std::string& path, const FolderNotice& notice) {
-  const auto departure = departureOf(notice.cookie);
+  const auto departure = _departures.take(notice.cookie);
   if (!departure) return appear(path, notice);
   for (std::string& limited : _limited)
     if (limited == departure->path || isBelow(limited, departure->path))
       limited = path + limited.substr(departure->path.size());
-  if (departure->watch != kNone) hang(departure->watch, notice.watch, notice.name);
+  if (departure->watch != kNone) _tree.hang(departure->watch, notice.watch, notice.name);
   _changes.settle(departure->path);
   _changes.settle(path);
   appear(path, notice);
@@ -363,14 +316,8 @@ void WatchedFolders::vanish(const std::string& path, int watch) {
 
 void WatchedFolders::depart(const std::string& path, const FolderNotice& notice, int watch,
                             Moment now) {
-  if (watch != kNone) unhang(watch);
-  _departures[notice.cookie] = {path, notice.isFolder, watch, now + kPairing};
-}
-
-std::optional<WatchedFolders::Departure> WatchedFolders::departureOf(std::uint32_t cookie) {
-  auto found = _departures.extract(cookie);
-  if (found.empty()) return std::nullopt;
-  return std::move(found.mapped());
+  if (watch != kNone) _tree.unhang(watch);
+  _departures.add(notice.cookie, {path, notice.isFolder, watch, now + kPairing});
 }
 
 /// Without a new path it is as good as deleted.
@@ -382,17 +329,7 @@ void WatchedFolders::leave(const Departure& departure) {
 }
 
 void WatchedFolders::expire(Moment now) {
-  std::vector<std::uint32_t> over;
-  for (const auto& [cookie, departure] : _departures)
-    if (departure.until <= now) over.push_back(cookie);
-  for (const std::uint32_t cookie : over) leave(*departureOf(cookie));
-}
-
-std::optional<Moment> WatchedFolders::deadline() const {
-  std::optional<Moment> first;
-  for (const auto& [cookie, departure] : _departures)
-    first = std::min(first.value_or(departure.until), departure.until);
-  return first;
+  for (const Departure& departure : _departures.takeExpired(now)) leave(departure);
 }
 
 }  // namespace kbx

@@ -5,11 +5,12 @@
 #include <map>
 #include <optional>
 #include <string>
-#include <unordered_map>
 #include <vector>
 
+#include "host/watch/Departures.h"
 #include "host/watch/FolderWatcher.h"
 #include "host/watch/PendingChanges.h"
+#include "host/watch/WatchTree.h"
 
 namespace kbx {
 
@@ -43,7 +44,7 @@ class WatchedFolders {
   /// Lets go of what has moved away when so long nothing told where to.
   void expire(Moment now);
   /// When expire() will have something to do.
-  std::optional<Moment> deadline() const;
+  std::optional<Moment> deadline() const { return _departures.deadline(); }
 
   /// Whether notices were lost, so that everything must begin() again.
   bool hasLostNotices() const { return _hasLostNotices; }
@@ -60,7 +61,7 @@ class WatchedFolders {
   /// The roots that are there, or were when they were last looked at.
   std::vector<std::string> presentRoots() const;
   /// How many folders are watched.
-  std::size_t count() const { return _folders.size(); }
+  std::size_t count() const { return _tree.size(); }
   /// What happened since the last call.
   std::vector<Event> takeEvents();
 
@@ -69,16 +70,11 @@ class WatchedFolders {
   static constexpr std::chrono::milliseconds kPairing{100};
 
  private:
-  static constexpr int kNone = -1;
+  static constexpr int kNone = WatchTree::kNone;
   /// Which folder shows at a path; zeros where there is none.
   struct Identity {
     std::uint64_t device = 0, number = 0;
     bool operator==(const Identity&) const = default;
-  };
-  struct Folder {
-    int parent = kNone;                   // the watch of the folder around it
-    std::string name;                     // the whole path where there is no parent
-    std::map<std::string, int> children;  // watches by name
   };
   struct Root {
     int watch;
@@ -88,12 +84,6 @@ class WatchedFolders {
   struct Lost {
     std::string path;
     Identity cover;
-  };
-  struct Departure {
-    std::string path;
-    bool isFolder;
-    int watch;  // of a folder that has one
-    Moment until;
   };
   /// A folder to be watched inside another one.
   struct Ahead {
@@ -108,7 +98,6 @@ class WatchedFolders {
   void arrive(const std::string& path, const FolderNotice& notice);
   void vanish(const std::string& path, int watch);
   void depart(const std::string& path, const FolderNotice& notice, int watch, Moment now);
-  std::optional<Departure> departureOf(std::uint32_t cookie);
   void leave(const Departure& departure);
 
   // What happened to a folder itself.
@@ -125,24 +114,20 @@ class WatchedFolders {
   int watch(const std::string& path);
   static Identity identityOf(const std::string& path);
   bool isOtherNameOf(int watch, const std::string& path) const;
-  void hang(int watch, int parent, const std::string& name);
-  void unhang(int watch);
   void forget(int watch);
   void refuse(const std::string& path, int failure);
 
-  int childOf(int folder, const std::string& name) const;
   int watchOf(const std::string& path) const;
-  std::string pathOf(int watch) const;
   bool isWalked(const std::string& folder) const;
 
   FolderWatcher& _watcher;
   PendingChanges& _changes;
   const std::vector<std::string> _roots;
-  std::unordered_map<int, Folder> _folders;                  // by watch
-  std::unordered_map<std::uint32_t, Departure> _departures;  // by cookie
-  std::map<std::string, Root> _present;                      // roots that are watched
-  std::vector<Lost> _lost;                                   // other roots, and mounted folders
-  std::vector<std::string> _limited;                         // the outermost ones without a watch
+  WatchTree _tree;
+  Departures _departures;
+  std::map<std::string, Root> _present;  // roots that are watched
+  std::vector<Lost> _lost;               // other roots, and mounted folders
+  std::vector<std::string> _limited;     // the outermost ones without a watch
   std::vector<Event> _events;
   bool _hasLostNotices = false;
   bool _hasToldLimit = false;

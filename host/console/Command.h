@@ -19,11 +19,11 @@ namespace kbx {
 enum ExitCode : int {
   kDone = 0,
   kBroken = 1,  // the output cannot be written, or something that should never happen
-  kUndone = 1,  // what was asked for is not there, or cannot be stored
+  kUndone = 1,  // nothing was found, or something was that should not be
   kMisused = 2,
   kSomeFailed = 3,
-  kNoStore = 3,  // what was indexed cannot be read
   kNoneDelivered = 4,
+  kStoreFailed = 5,  // the store is not there, or cannot be read or written
   kReaderGone = 141  // as if the signal of a broken pipe had ended the process
 };
 

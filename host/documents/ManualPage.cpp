@@ -8,10 +8,11 @@ namespace {
 
 constexpr std::pair<const char*, const char*> kExitCodes[] = {
     {"0", "Done."},
-    {"1", "Standard output could not be written; or what was asked for is not there."},
+    {"1", "Standard output could not be written; or nothing was found, or a problem was."},
     {"2", "The command line means nothing."},
     {"3", "Some inputs failed, the others were delivered."},
     {"4", "No input was delivered."},
+    {"5", "The store of messages is not there, or cannot be read or written."},
     {"141", "Whoever read standard output has gone."},
 };
 

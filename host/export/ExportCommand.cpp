@@ -113,9 +113,9 @@ std::string_view ExportCommand::notes() const {
          "  bulk    two lines for each message, for the bulk interface of a search cluster\n"
          "  mbox    the messages themselves, read from their files (mboxrd)\n"
          "\n"
-         "Exit codes: 0 done, 1 nothing was found, or the output or the store failed, 2 wrong "
-         "query or usage,\n"
-         "3 some messages could not be read, 4 none could.";
+         "Exit codes: 0 done, 1 nothing was found or output cannot be written,\n"
+         "2 wrong query or usage, 3 some messages could not be read, 4 none could,\n"
+         "5 no store to read.";
 }
 
 bool ExportCommand::isOperand(std::string_view word) const {
@@ -164,7 +164,7 @@ ExitCode ExportCommand::exportTo(Output& output, StoreReader& store, const std::
   const bool isRead = query.empty() ? run.exportAll(&error) : run.exportFound(query, &error);
   if (!isRead) {
     console.diagnostics.failure(error);
-    return kUndone;
+    return kStoreFailed;
   }
   if (run.hasFailures()) return run.hasExported() ? kSomeFailed : kNoneDelivered;
   return run.hasExported() || query.empty() ? kDone : kUndone;
@@ -175,7 +175,8 @@ ExitCode ExportCommand::exportToFile(StoreReader& store, const std::string& quer
   Ref<NSError> error;
   const auto file = ReplacedFile::open(_options.file, &error);
   const ExitCode code = file ? exportTo(file->output(), store, query, console) : kUndone;
-  const bool isToKeep = file && code != kUndone && !Interruption::isWished();
+  const bool isToKeep =
+      file && code != kUndone && code != kStoreFailed && !Interruption::isWished();
   if (file && !isToKeep) return code;
   if (file && file->finish(&error)) return code;
   console.diagnostics.failure(_options.file, error->localizedDescription());
@@ -190,7 +191,7 @@ ExitCode ExportCommand::run(std::vector<std::string> operands, Console& console)
   try {
     if (!query.empty()) parseQuery(query);  // told before what is wrong with the store
     const auto store = openStore(console);
-    if (!store) return kUndone;
+    if (!store) return kStoreFailed;
     return _options.file.empty() ? exportTo(console.output, *store, query, console)
                                  : exportToFile(*store, query, console);
   } catch (const QueryFault& fault) {

@@ -78,8 +78,9 @@ std::string_view IndexCommand::notes() const {
          "\n"
          "A folder with one of these names is written ./status.\n"
          "\n"
-         "Exit codes: 0 done, 1 the store cannot be read or written, or check found something,\n"
-         "2 wrong usage, 3 some inputs failed, 4 none could be read or the importer is missing.";
+         "Exit codes: 0 done, 1 check found something or output cannot be written, 2 wrong usage,\n"
+         "3 some inputs failed, 4 none could be read or the importer is missing,\n"
+         "5 the store cannot be read or written.";
 }
 
 void IndexCommand::declareOptions(CLI::App& options) {
@@ -138,14 +139,14 @@ ExitCode IndexCommand::index(const std::vector<std::string>& operands, Console& 
   auto store = StoreWriter::open(_options.store.path(), &error);
   if (!store || !rememberFolders(*store, outermost(places), &error)) {
     console.diagnostics.failure(error);
-    return kUndone;
+    return kStoreFailed;
   }
   const bool hasFailures = places.size() < operands.size();
   if (operands.empty()) {
     auto remembered = indexedPlaces(store->database(), &error);
     if (!remembered) {
       console.diagnostics.failure(error);
-      return kUndone;
+      return kStoreFailed;
     }
     if (remembered->empty()) throw UsageError("index needs a DIR, as no folder was indexed before");
     places = std::move(*remembered);
@@ -164,7 +165,7 @@ ExitCode exitCodeOf(IndexRun::End end, const IndexRun& run) {
     case IndexRun::End::NoImporter:  // perhaps in the middle of the work
       return counts.added + counts.changed != 0 ? kSomeFailed : kNoneDelivered;
     case IndexRun::End::StoreFailed:
-      return kUndone;
+      return kStoreFailed;
     case IndexRun::End::Interrupted:  // the signal itself ends the process
     case IndexRun::End::Done:
       break;
@@ -198,7 +199,7 @@ ExitCode IndexCommand::forget(Console& console) const {
   auto store = StoreWriter::open(_options.store.path(), &error);
   if (!store || !forgetFolder(*store, formerPlaceOf(*_options.forget), &forgotten, &error)) {
     console.diagnostics.failure(error);
-    return kUndone;
+    return kStoreFailed;
   }
   if (!_options.isQuiet) console.diagnostics.message(std::to_string(forgotten) + " removed");
   return kDone;
@@ -215,7 +216,7 @@ ExitCode IndexCommand::check(Console& console) const {
   line.reset();
   if (!findings) {
     console.diagnostics.failure(error);
-    return kUndone;
+    return kStoreFailed;
   }
   for (const std::string& finding : *findings) {
     writeOnOneLine(console.output, NSString::stringWithLossyUTF8(finding));
@@ -229,7 +230,7 @@ ExitCode IndexCommand::optimize(Console& console) const {
   Ref<NSError> error;
   if (optimizeStore(_options.store.path(), &error)) return kDone;
   console.diagnostics.failure(error);
-  return kUndone;
+  return kStoreFailed;
 }
 
 }  // namespace

@@ -156,7 +156,7 @@ ExitCode printIndexStatus(const std::string& storePath, bool isJSON, Console& co
   Ref<NSError> error;
   if (print(storePath, isJSON, console.output, &error)) return kDone;
   console.diagnostics.failure(error);
-  return kUndone;
+  return kStoreFailed;
 }
 
 }  // namespace kbx

@@ -8,7 +8,7 @@
 namespace kbx {
 
 /// Prints the store's size, the folders that it keeps up with, and each file that gave no message
-/// with its reason. kUndone when there is no store to read.
+/// with its reason. kStoreFailed when there is no store to read.
 ExitCode printIndexStatus(const std::string& storePath, bool isJSON, Console& console);
 
 }  // namespace kbx

@@ -89,7 +89,7 @@ std::string_view SearchCommand::notes() const {
          "  is:unread is:read is:flagged is:replied is:junk has:attachment\n"
          "or comparisons: kMDItemSubject == \"plan*\"cd && kMDItemFSSize > 4096\n"
          "\n"
-         "Exit codes: 0 found, 1 nothing found, 2 wrong query or usage, 3 no store to read.";
+         "Exit codes: 0 found, 1 nothing found, 2 wrong query or usage, 5 no store to read.";
 }
 
 bool SearchCommand::isOperand(std::string_view word) const {
@@ -178,7 +178,7 @@ ExitCode unreadable(Diagnostics& diagnostics, NSError* error) {
     diagnostics.failure(error);
   else
     diagnostics.message("a message has gone from the store meanwhile");
-  return kNoStore;
+  return kStoreFailed;
 }
 
 ExitCode SearchCommand::count(Search& search, Console& console) const {
@@ -249,7 +249,7 @@ ExitCode SearchCommand::run(std::vector<std::string> operands, Console& console)
   try {
     parseQuery(query);  // what is wrong with it is told before what is wrong with the store
     const auto reader = openStore(console.diagnostics);
-    return reader ? searchStore(*reader, query, console) : kNoStore;
+    return reader ? searchStore(*reader, query, console) : kStoreFailed;
   } catch (const QueryFault& fault) {
     console.diagnostics.text(faultText(query, fault));
     return kMisused;

@@ -125,8 +125,8 @@ class ShowCommand final : public Command {
            "told on standard error. An ID is the number of a message in the store, as export\n"
            "--format=bulk prints it; a file whose name is a number is written ./17.\n"
            "\n"
-           "Exit codes: 0 done, 1 the store cannot be read, 2 wrong usage, 3 some are not known,\n"
-           "4 none is.";
+           "Exit codes: 0 done, 1 output cannot be written, 2 wrong usage, 3 some are not known,\n"
+           "4 none is, 5 no store to read.";
   }
   void declareOptions(CLI::App& options) override;
   ExitCode run(std::vector<std::string> operands, Console& console) override;
@@ -147,7 +147,7 @@ ExitCode ShowCommand::run(std::vector<std::string> operands, Console& console) {
   const auto store = StoreReader::open(_options.store.path(), &error);
   if (!store) {
     console.diagnostics.failure(error);
-    return kUndone;
+    return kStoreFailed;
   }
   const auto results = _options.results.makeResults(console.output, operands.size() > 1);
   ShowRun run(*store, _options.results.filter(), *results, console.diagnostics);

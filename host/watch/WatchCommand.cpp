@@ -38,8 +38,8 @@ class WatchCommand final : public Command {
            "indexed\n"
            "before. As a service of the user: systemctl --user enable --now ferncase-watch\n"
            "\n"
-           "Exit codes: 0 ended as wished, 1 the store cannot be read or written, 2 wrong usage,\n"
-           "4 none of the folders is there.";
+           "Exit codes: 0 ended as wished, 1 output cannot be written, 2 wrong usage,\n"
+           "4 none of the folders is there, 5 the store cannot be read or written.";
   }
   bool takesDefaults() const override { return true; }
   void declareOptions(CLI::App& options) override;
@@ -91,7 +91,7 @@ std::optional<std::vector<std::string>> rootsFor(const std::vector<std::string>&
   *code = kNoneDelivered;
   if (!operands.empty() && places.empty()) return std::nullopt;
   places = outermost(std::move(places));
-  *code = kUndone;
+  *code = kStoreFailed;
   Ref<NSError> error;
   if (!operands.empty()) {
     if (remember(store, places, &error)) return places;
@@ -132,7 +132,7 @@ ExitCode WatchCommand::follow(const std::string& store, std::vector<std::string>
   WatchLoop loop(watcher, index, report, std::move(roots));
   loop.begin();
   while (!Interruption::isWished()) {
-    if (!loop.step()) return kUndone;
+    if (!loop.step()) return kStoreFailed;
     if (!console.output.flush()) return kBroken;
   }
   Interruption::forget();

@@ -155,7 +155,7 @@ TEST_F(ExportCommandTest, WrongUsageIsTold) {
        {std::vector<std::string>{"--format=csv"}, {"--index=x"}, {"--format=bulk", "--index="}})
     EXPECT_EQ(run(arguments).exitCode, 2);
   fs::remove(_folder / "mail.db");
-  EXPECT_EQ(run({}).exitCode, 1);
+  EXPECT_EQ(run({}).exitCode, 5);
 }
 
 }  // namespace

@@ -8,9 +8,9 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
-#include "host/CommandLine.h"
 #include "host/store/Store.h"
 #include "tests/support/ChildProcess.h"
+#include "tests/support/CommandRun.h"
 #include "tests/support/Process.h"
 
 namespace kbx {
@@ -217,7 +217,7 @@ TEST_F(IndexCommandTest, OnlyOneIndexerWritesAtATime) {
   auto other = StoreWriter::open(store().string(), &error);
   ASSERT_TRUE(other);
   const auto refused = index();
-  EXPECT_EQ(refused.exitCode, 1);
+  EXPECT_EQ(refused.exitCode, 5);
   EXPECT_THAT(refused.complaints, HasSubstr(std::to_string(::getpid())));
   EXPECT_EQ(run({"status"}).exitCode, 0);  // reading waits for nobody
   other = nullptr;
@@ -232,7 +232,7 @@ TEST_F(IndexCommandTest, AStoreThatCannotBeWrittenIsNamed) {
                               .folder(_folder.path())
                               .run();
     const bool isNewStore = std::string_view(path) == "file";  // an empty file may become one
-    EXPECT_EQ(finished.exitCode, isNewStore ? 0 : 1) << path;
+    EXPECT_EQ(finished.exitCode, isNewStore ? 0 : 5) << path;
     if (!isNewStore) {
       EXPECT_THAT(finished.complaints, HasSubstr(path));
     }
@@ -251,15 +251,10 @@ TEST_F(IndexCommandTest, AStoreInAReadOnlyFolderCanBeReadAndNotWritten) {
   fs::permissions(path, kReadable);
   const auto codeOf = [&](std::vector<std::string> words) {
     words.insert(words.begin() + 1, {"--db", path});
-    return inOrdinaryChild([&] {
-      StringOutput output, complaints;
-      Diagnostics diagnostics(complaints);
-      Console console{output, diagnostics};
-      return static_cast<int>(runCommandLine(words, console));
-    });
+    return inOrdinaryChild([&] { return static_cast<int>(answerTo(words).code); });
   };
-  EXPECT_EQ(codeOf({"index", mail().string()}), kUndone);
-  EXPECT_EQ(codeOf({"index", "optimize"}), kUndone);
+  EXPECT_EQ(codeOf({"index", mail().string()}), kStoreFailed);
+  EXPECT_EQ(codeOf({"index", "optimize"}), kStoreFailed);
   EXPECT_EQ(codeOf({"index", "status"}), kDone);
   EXPECT_EQ(codeOf({"index", "check"}), kDone);
   EXPECT_EQ(codeOf({"search", "one"}), kDone);
@@ -270,7 +265,7 @@ TEST_F(IndexCommandTest, AStoreInAReadOnlyFolderCanBeReadAndNotWritten) {
 
 TEST_F(IndexCommandTest, CheckNamesWhatIsWrongAndOptimizeKeepsEverything) {
   for (int i = 0; i < 20; ++i) write(std::to_string(i) + ".eml", "text " + std::to_string(i));
-  EXPECT_EQ(run({"check"}).exitCode, 1);  // there is none yet
+  EXPECT_EQ(run({"check"}).exitCode, 5);  // there is none yet
   index();
   EXPECT_EQ(run({"check"}).complaints, "ferncase: the store is sound\n");
   EXPECT_EQ(run({"optimize"}).exitCode, 0);

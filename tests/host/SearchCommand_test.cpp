@@ -123,14 +123,14 @@ TEST_F(SearchCommandTest, AWrongUsageIsToldAsOfEveryCommand) {
 TEST_F(SearchCommandTest, AMissingStoreHasAHint) {
   std::filesystem::remove(_store.path());
   EXPECT_EQ(search({"x"}), "");
-  EXPECT_EQ(_code, kNoStore);
+  EXPECT_EQ(_code, kStoreFailed);
   EXPECT_NE(_complaints.find("ferncase index"), std::string::npos) << _complaints;
 }
 
 TEST_F(SearchCommandTest, WhatIsNoStoreIsTold) {
   std::ofstream(_store.path(), std::ios::trunc) << std::string(5000, 'x');
   EXPECT_EQ(search({"x"}), "");
-  EXPECT_EQ(_code, kNoStore);
+  EXPECT_EQ(_code, kStoreFailed);
   EXPECT_NE(_complaints.find(_store.path()), std::string::npos) << _complaints;
 }
 
@@ -138,7 +138,7 @@ TEST_F(SearchCommandTest, TheUsersOwnStoreIsTheDefault) {
   FakeEnvironment environment({"XDG_DATA_HOME=/nowhere"});
   ScopedService<Environment> installed(environment);
   const auto answer = answerTo({"search", "x"});
-  EXPECT_EQ(answer.code, kNoStore);
+  EXPECT_EQ(answer.code, kStoreFailed);
   EXPECT_NE(answer.complaints.find("/nowhere/ferncase/mail.db"), std::string::npos)
       << answer.complaints;
 }

@@ -105,7 +105,7 @@ TEST_F(ShowCommandTest, WrongUsageAndAMissingStoreAreTold) {
   EXPECT_EQ(show({"--raw", "a.eml"}).exitCode, 2);
   EXPECT_EQ(show({"--json", "--plist", "a.eml"}).exitCode, 2);
   fs::remove(_folder / "mail.db");
-  EXPECT_EQ(show({"a.eml"}).exitCode, 1);
+  EXPECT_EQ(show({"a.eml"}).exitCode, 5);
 }
 
 }  // namespace

@@ -54,5 +54,20 @@ TEST(StoreOption, AnEmptyNameDoesNotStandForTheUsersOwnStore) {
   }
 }
 
+TEST(StoreOption, AMissingStoreHasAnExitCodeOfItsOwn) {
+  const TemporaryFolder folder;
+  const std::string option = "--db=" + (folder / "mail.db").string();
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"search", "x"},
+                                                {"show", "x"},
+                                                {"export"},
+                                                {"export", "x"},
+                                                {"index", "status"},
+                                                {"index", "check"}}) {
+    std::vector<std::string> arguments = words;
+    arguments.push_back(option);
+    EXPECT_EQ(answerTo(arguments).code, kStoreFailed) << words.front();
+  }
+}
+
 }  // namespace
 }  // namespace kbx

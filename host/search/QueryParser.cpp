@@ -1,5 +1,8 @@
 #include "host/search/QueryParser.h"
 
+#include <string>
+#include <utility>
+
 #include "host/search/AttributeQuery.h"
 #include "host/search/WordQuery.h"
 
@@ -51,12 +54,39 @@ bool isAttributeQuery(std::string_view text) {
   return false;
 }
 
-QueryNode parseQuery(std::string_view text) {
+namespace {
+
+QueryNode treeOf(std::string_view text) {
   if (text.size() > kLongestQuery)
     throw QueryFault("the query has more than " + std::to_string(kLongestQuery) + " bytes", 0, 1);
   if (text.find_first_not_of(kBlanks) == std::string_view::npos)
     throw QueryFault("the query is empty", 0, 0, "*");
   return isAttributeQuery(text) ? parseAttributeQuery(text) : parseWordQuery(text);
+}
+
+/// The correction of one fault with those of its further faults; empty when some have none.
+std::string wholeCorrection(std::string query) {
+  constexpr int kMostFaults = 10;
+  for (int i = 0; i < kMostFaults && !query.empty(); ++i) {
+    try {
+      treeOf(query);
+      return query;
+    } catch (const QueryFault& fault) {
+      query = fault.correction;
+    }
+  }
+  return {};
+}
+
+}  // namespace
+
+QueryNode parseQuery(std::string_view text) {
+  try {
+    return treeOf(text);
+  } catch (QueryFault& fault) {
+    fault.correction = wholeCorrection(std::move(fault.correction));
+    throw;
+  }
 }
 
 }  // namespace kbx

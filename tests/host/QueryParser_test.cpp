@@ -65,5 +65,23 @@ TEST(QueryParser, AnEmptyQueryIsAFault) {
   }
 }
 
+/// The correction of a query that means nothing.
+std::string corrected(const std::string& text) {
+  try {
+    parseQuery(text);
+  } catch (const QueryFault& fault) {
+    return fault.correction;
+  }
+  return "no fault";
+}
+
+TEST(QueryParser, ACorrectionIsOfAllFaultsAndIsCorrect) {
+  EXPECT_EQ(corrected("form:ada is:unred"), "from:ada is:unread");
+  EXPECT_EQ(corrected("a && b"), "kMDItemTextContent == \"a\" && kMDItemTextContent == \"b\"");
+  EXPECT_EQ(corrected("(form:ada"), "(from:ada)");
+  EXPECT_EQ(corrected("\""), "") << "empty quotes would be a fault, too";
+  EXPECT_EQ(corrected("form:ada after:nonsense"), "");
+}
+
 }  // namespace
 }  // namespace kbx

@@ -1,6 +1,7 @@
 #include "host/search/SearchCommand.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -15,6 +16,7 @@
 #include "host/search/Search.h"
 #include "host/store/StoreOption.h"
 #include "platform/desktop/DesktopFolders.h"
+#include "platform/text/ASCII.h"
 
 namespace kbx {
 namespace {
@@ -96,6 +98,13 @@ bool SearchCommand::isOperand(std::string_view word) const {
   return word.size() > 1 && word[0] == '-' && word[1] != '-' && word != "-0" && word != "-h";
 }
 
+/// Says what is wrong with the text of a number of messages; nothing when it is one. The library
+/// takes "-1" for a large number.
+std::string countFault(const std::string& text) {
+  const bool isNumber = !text.empty() && std::ranges::all_of(text, isASCIIDigit);
+  return isNumber ? std::string() : text + " is no number of messages";
+}
+
 void SearchCommand::declareOptions(CLI::App& options) {
   options.add_option("--onlyin", _options.folders, "Only messages in this folder; may be repeated")
       ->type_name("DIR")
@@ -104,9 +113,11 @@ void SearchCommand::declareOptions(CLI::App& options) {
   options
       .add_option("--limit", _options.limit,
                   "Print so many at most, 0 for all; 100 on a terminal otherwise")
-      ->type_name("N");
+      ->type_name("N")
+      ->check(countFault);
   options.add_option("--offset", _options.offset, "Leave out so many at the beginning")
-      ->type_name("N");
+      ->type_name("N")
+      ->check(countFault);
   options
       .add_option("--sort", _options.order,
                   "date (the newest first, the default), rank (the best first) or path")

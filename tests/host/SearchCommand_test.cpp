@@ -112,6 +112,8 @@ TEST_F(SearchCommandTest, AWrongUsageIsToldAsOfEveryCommand) {
                                                     {"--live", "--count", "x"},
                                                     {"-0", "--snippet", "x"},
                                                     {"--limit", "few", "x"},
+                                                    {"--limit", "-1", "x"},
+                                                    {"--offset", "-1", "x"},
                                                     {"--lmit", "1", "x"},
                                                     {"--onlyin=", "x"}}) {
     EXPECT_EQ(search(arguments), "");

@@ -13,7 +13,8 @@ namespace {
 
 /// In the order in which they are told. A further one is a function and a line here.
 constexpr Examination kExaminations[] = {
-    examineImporters, examineImport, examineFolders, examineSandbox, examinePreferences,
+    examineImporters, examineImport, examineFolders,
+    examineSandbox,   examineStore,  examinePreferences,
 };
 
 const char* nameOf(Finding::Level level) {
@@ -59,7 +60,7 @@ class DoctorCommand final : public Command {
  public:
   std::string_view name() const override { return "doctor"; }
   std::string_view summary() const override {
-    return "Look whether everything that importing needs is there.";
+    return "Look whether everything that importing and searching need is there.";
   }
   std::string_view operands() const override { return ""; }
   std::string_view notes() const override {

@@ -6,6 +6,9 @@
 
 #include "host/import/ImporterCatalog.h"
 #include "host/import/ScratchFolder.h"
+#include "host/store/Maintenance.h"
+#include "host/store/Store.h"
+#include "host/store/StoreErrors.h"
 #include "host/workers/ImportWorkers.h"
 #include "platform/files/FileNames.h"
 #include "platform/files/FileSystem.h"
@@ -68,6 +71,21 @@ void examineFolder(ScratchFolder::Place place, const std::string& what, const ch
     findings.push_back(Finding::fine(what + " is in " + parent));
 }
 
+/// What to do about a store that cannot be read.
+const char* adviceOnStore(std::int64_t code) {
+  switch (code) {
+    case StoreDamagedError:
+      return "Remove it, and index the folders again: ferncase index DIR.";
+    case StoreNewerError:
+    case StoreForeignError:
+      return "Move it away and index the folders again, or name another store with --db.";
+    case StoreOlderError:
+      return "Bring it up to date: ferncase index.";
+    default:
+      return "See whose it is and who may read it, or name another store with --db.";
+  }
+}
+
 }  // namespace
 
 void examineImporters(std::vector<Finding>& findings) {
@@ -113,6 +131,22 @@ void examineImport(std::vector<Finding>& findings) {
 void examineFolders(std::vector<Finding>& findings) {
   examineFolder(ScratchFolder::Place::Memory, "the staging folder", "XDG_RUNTIME_DIR", findings);
   examineFolder(ScratchFolder::Place::Disk, "the temporary folder", "TMPDIR", findings);
+}
+
+void examineStore(std::vector<Finding>& findings) {
+  const auto path = defaultStorePath();
+  if (!path)
+    return findings.push_back({Level::Warning, "there is no place for the store",
+                               "Set HOME or XDG_DATA_HOME to an absolute path."});
+  Ref<NSError> error;
+  if (const auto status = statusOf(*path, &error))
+    return findings.push_back(
+        Finding::fine("the store has " + std::to_string(status->messages) + " messages: " + *path));
+  if (error->code() == StoreMissingError)
+    return findings.push_back(Finding::fine("nothing is indexed yet: " + *path));
+  findings.push_back({Level::Problem,
+                      "the store cannot be used: " + error->localizedDescription()->lossyUTF8(),
+                      adviceOnStore(error->code())});
 }
 
 void examinePreferences(std::vector<Finding>& findings) {

@@ -16,6 +16,8 @@ void examineImporters(std::vector<Finding>& findings);
 void examineImport(std::vector<Finding>& findings);
 /// Whether the private folders can be made, and lie in memory where they should.
 void examineFolders(std::vector<Finding>& findings);
+/// Whether the user's own store can be read. That there is none yet is no fault.
+void examineStore(std::vector<Finding>& findings);
 /// Whether the user's preferences can be read.
 void examinePreferences(std::vector<Finding>& findings);
 /// Which protections of workers hold.

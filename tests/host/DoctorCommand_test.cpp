@@ -77,6 +77,16 @@ TEST_F(DoctorCommandTest, DamagedPreferencesAreAProblem) {
   EXPECT_THAT(finished.output, HasSubstr("problem  the preferences cannot be read: "));
 }
 
+TEST_F(DoctorCommandTest, AStoreThatCannotBeReadIsAProblem) {
+  EXPECT_THAT(doctor().output, HasSubstr("ok       nothing is indexed yet: "));
+  std::filesystem::create_directory(_folder / "home/ferncase");
+  _folder.write("home/ferncase/mail.db", "no store");
+  const auto finished = doctor();
+  EXPECT_EQ(finished.exitCode, 1);
+  EXPECT_THAT(finished.output, HasSubstr("problem  the store cannot be used: "));
+  EXPECT_THAT(finished.output, HasSubstr("         Move it away and index the folders again"));
+}
+
 TEST_F(DoctorCommandTest, AStagingFolderOnDiskIsAWarning) {
   if (isInMemory(_folder.path().string())) GTEST_SKIP() << "the temporary folder is in memory";
   const auto finished = doctor();

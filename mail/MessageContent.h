@@ -15,7 +15,8 @@ struct Attachment {
 };
 
 struct MessageContent {
-  std::string header;  // the bytes of the message's own header fields
+  std::string header;   // the bytes of the message's own header fields
+  std::string charset;  // declared by the first text that declares one
   TextSections sections;
   std::vector<Attachment> namedParts;  // in order; those of attached messages left out
   bool hasPlainPart = false;           // one with text, not in an attached or wrapped message

@@ -289,6 +289,7 @@ void MessageReader::endText(std::string bytes) {
   if (isUnknown && _leaf == Leaf::HTML) charset = charsetOfHTML(bytes);
   std::string text = _decoder.text(std::move(bytes), charset);
   const bool isOwn = _messageCount == 0;
+  if (isOwn && _content.charset.empty()) _content.charset = std::move(charset);
   if (_leaf == Leaf::HTML) {
     _content.hasHTMLPart |= isOwn && !trimmed(text).empty();
     return _content.sections.addHTML(std::move(text));

@@ -79,6 +79,15 @@ std::optional<std::string> converted(std::string_view bytes, const char* charset
   return lossyUTF8FromUTF16(text.starts_with(u'\uFEFF') ? text.substr(1) : text);
 }
 
+/// The text where all bytes are valid in a charset, or in the larger one that its name means.
+std::optional<std::string> strictText(std::string_view bytes, const std::string& name) {
+  const char* const larger = name == "iso-8859-1"   ? "windows-1252"
+                             : name == "iso-8859-9" ? "windows-1254"
+                                                    : nullptr;
+  const bool isMeant = larger && hasHighControls(bytes) && !isUTF8(bytes);
+  return converted(bytes, isMeant ? larger : name.c_str(), false);
+}
+
 /// The text where at most one character in ten beyond ASCII is malformed.
 std::optional<std::string> nearlyAllConverted(std::string_view bytes, const std::string& name) {
   const auto units = decodeCharset(bytes, name.empty() ? "utf-8" : name.c_str(), true);
@@ -110,18 +119,18 @@ std::string TextDecoder::guessedText(const std::string& bytes) {
   return converted(bytes, "windows-1252", true).value_or(std::string());
 }
 
+void TextDecoder::expect(std::string_view charset) {
+  _expected = libraryName(charset);
+  if (isPlainUTF8(_expected)) _expected.clear();
+}
+
 std::string TextDecoder::text(std::string bytes, std::string_view charset) {
-  const std::string name = libraryName(charset);
+  std::string name = libraryName(charset);
   if (bytes.starts_with("\xEF\xBB\xBF")) bytes.erase(0, 3);
-  if (isPlainUTF8(name)) {
-    if (isUTF8(bytes)) return withoutNULs(std::move(bytes));
-  } else {
-    const char* const larger = name == "iso-8859-1"   ? "windows-1252"
-                               : name == "iso-8859-9" ? "windows-1254"
-                                                      : nullptr;
-    const bool isMeant = larger && hasHighControls(bytes) && !isUTF8(bytes);
-    auto text = converted(bytes, isMeant ? larger : name.c_str(), false);
-    if (text) return withoutNULs(std::move(*text));
+  if (isPlainUTF8(name) && isUTF8(bytes)) return withoutNULs(std::move(bytes));
+  if (charset.empty()) name = _expected;
+  if (!isPlainUTF8(name)) {
+    if (auto text = strictText(bytes, name)) return withoutNULs(std::move(*text));
     if (isUTF8(bytes)) return withoutNULs(std::move(bytes));
   }
   if (!startsWithUTF16Mark(bytes))

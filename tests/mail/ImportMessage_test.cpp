@@ -17,5 +17,26 @@ TEST(ImportMessage, WhatCannotBeReadToItsEndIsAnErrorAndGivesNoAttributes) {
   });
 }
 
+TEST(ImportMessage, LinesMayEndInCRAlone) {
+  const auto attributes = attributesOf("Subject: a\rFrom: b@x.org\r\rone\rtwo\r");
+  EXPECT_EQ(shown(attributes->objectForKey("kMDItemSubject"_ns)), "a");
+  EXPECT_EQ(shown(attributes->objectForKey("kMDItemAuthors"_ns)), "b@x.org");
+  EXPECT_EQ(shown(attributes->objectForKey("kMDItemTextContent"_ns)), "one\ntwo\n");
+}
+
+TEST(ImportMessage, AHeaderOfBytesIsInTheCharsetOfTheText) {
+  EXPECT_EQ(
+      attribute("From: Jos\xE9 <j@x.org>\nContent-Type: text/plain; charset=iso-8859-1\n\na\n",
+                "kMDItemAuthors"),
+      "José");
+  EXPECT_EQ(attribute("Subject: \xC4\xC1\nContent-Type: multipart/mixed; boundary=b\n\n--b\n"
+                      "Content-Type: text/plain; charset=koi8-r\n\na\n--b--\n",
+                      "kMDItemSubject"),
+            "да");
+  EXPECT_EQ(attribute("Subject: \xC3\xA9\nContent-Type: text/plain; charset=koi8-r\n\na\n",
+                      "kMDItemSubject"),
+            "é");
+}
+
 }  // namespace
 }  // namespace kbx

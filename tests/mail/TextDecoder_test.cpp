@@ -19,6 +19,11 @@ TEST(TextDecoder, TheDeclaredCharsetIsTriedFirst) {
   EXPECT_EQ(textOf("\xC4\xE3\xBA\xC3", "gb2312"), "你好");
 }
 
+TEST(TextDecoder, Latin1HasManyNames) {
+  for (std::string_view name : {"latin1", "Latin-1", "l1", "ISO_8859-1", "ISO8859-1", "iso88591"})
+    EXPECT_EQ(textOf("\x93quoted\x94", name), "“quoted”") << name;
+}
+
 TEST(TextDecoder, ANameMayStandInQuotesOrHaveSomethingBehindIt) {
   for (std::string_view name : {"'koi8-r'", " koi8-r ", "koi8-r (Russian)", "koi8-r;", "koi8-r, x"})
     EXPECT_EQ(textOf("\xC4\xC1", name), "да") << name;

@@ -33,13 +33,15 @@ std::optional<std::int64_t> idIn(std::string_view word) {
 }
 
 /// The paths under which the store may know a file, whether it is there or not: as its folder is
-/// without links, and as it was named.
+/// without links, as it was named, and where the file itself leads when it is a link.
 std::vector<std::string> placesFor(const std::string& operand) {
   std::error_code failure;
   const auto named = std::filesystem::absolute(operand, failure).lexically_normal();
   const auto folder = std::filesystem::weakly_canonical(named.parent_path(), failure);
   std::vector<std::string> places{(folder / named.filename()).string()};
   if (named != places[0]) places.push_back(named.string());
+  const auto target = std::filesystem::weakly_canonical(operand, failure);
+  if (!failure && target != places[0]) places.push_back(target.string());
   return places;
 }
 

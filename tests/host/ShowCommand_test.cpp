@@ -51,9 +51,10 @@ class ShowCommandTest : public testing::Test {
 TEST_F(ShowCommandTest, AMessageIsKnownByItsPathAndByItsId) {
   const std::string text = "kMDItemSubject     = \"Plans\"\nkMDItemTextContent = \"The body\"\n";
   fs::create_directory_symlink(_mail, _folder / "link");
+  fs::create_symlink(_mail / "a.eml", _folder / "letter");
   for (const std::string& operand :
        {std::string("a.eml"), std::string("./x/../a.eml"), path("a.eml"),
-        (_folder / "link/a.eml").string(), std::to_string(_id)}) {
+        (_folder / "link/a.eml").string(), (_folder / "letter").string(), std::to_string(_id)}) {
     SCOPED_TRACE(operand);
     auto [code, output, complaints] = show({operand});
     EXPECT_EQ(code, 0);

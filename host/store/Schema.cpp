@@ -129,7 +129,13 @@ bool migrate(Database& database, const Migration& step, Ref<NSError>* error) {
 
 }  // namespace
 
-std::span<const Migration> storeMigrations() { return {}; }
+std::span<const Migration> storeMigrations() {
+  static constexpr Migration steps[] = {
+      // Attributes may be packed from now on, which older programs do not know; those that are
+      // there stay as they are.
+      {1, "SELECT 1"}};
+  return steps;
+}
 
 bool isReadableStore(Database& database, Ref<NSError>* error) {
   const auto identity = identityOf(database, error);

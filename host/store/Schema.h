@@ -11,7 +11,7 @@ namespace kbx {
 /// What `PRAGMA application_id` answers for a store: "Fern".
 inline constexpr std::int64_t kStoreApplication = 0x4665726E;
 /// What `PRAGMA user_version` answers for a store of this program.
-inline constexpr std::int64_t kStoreVersion = 1;
+inline constexpr std::int64_t kStoreVersion = 2;
 
 /// Statements that make a store of version `from` one of version `from + 1`.
 struct Migration {

@@ -2,6 +2,9 @@
 
 #include <vector>
 
+#include "host/console/FerncaseErrors.h"
+#include "host/store/PackedAttributes.h"
+#include "host/store/StoreErrors.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSData.h"
 #include "platform/objects/NSDate.h"
@@ -140,6 +143,13 @@ void setState(StoredMessage& message, const Reader& attributes) {
   message.size = integerOf(attributes["org_ferncase_mail_size"_ns]);
 }
 
+Ref<NSError> damagedError() {
+  return NSError::errorWithDomain(
+      FerncaseErrorDomain(), StoreDamagedError,
+      NSDictionary::dictionaryWithPairs(
+          {{NSLocalizedDescriptionKey(), "The stored attributes are damaged."_ns}}));
+}
+
 NSString* bodyName() { return "kMDItemTextContent"_ns; }
 
 /// Everything but the text of the body, which has a column of its own.
@@ -160,7 +170,7 @@ std::optional<StoredMessage> storedMessage(NSDictionary* attributes, Ref<NSError
   if (!list) return std::nullopt;
   const Reader reader(attributes);
   StoredMessage message;
-  message.attributes.assign(list->view());
+  message.attributes = packedAttributes(list->view());
   message.subject = textOf(reader["kMDItemSubject"_ns]);
   message.body = textOf(reader[bodyName()]);
   message.attachment = joined(reader.texts("kMDItemAttachmentNames"_ns));
@@ -173,8 +183,13 @@ std::optional<StoredMessage> storedMessage(NSDictionary* attributes, Ref<NSError
 
 Ref<NSDictionary> importedAttributes(std::string_view attributes,
                                      std::optional<std::string_view> body, Ref<NSError>* error) {
+  const auto unpacked = unpackedAttributes(attributes);
+  if (!unpacked) {
+    tell(error, damagedError());
+    return nullptr;
+  }
   Ref<NSObject> list = NSPropertyListSerialization::propertyListWithData(
-      NSData::dataWithBytes(attributes), NSPropertyListImmutable, nullptr, error);
+      NSData::dataWithBytes(*unpacked), NSPropertyListImmutable, nullptr, error);
   auto* others = cast<NSDictionary>(list.get());
   if (!others) return nullptr;
   Ref<NSMutableDictionary> all = others->mutableCopy();

@@ -16,7 +16,8 @@ struct StoredMessage {
   std::optional<bool> isRead, isFlagged, isReplied, isJunk, hasAttachment;
   std::optional<std::string> messageId;
   std::optional<std::int64_t> size;
-  std::string attributes;  // a binary property list of everything but the text of the body
+  /// A binary property list of everything but the text of the body, as PackedAttributes.h packs it.
+  std::string attributes;
 
   bool operator==(const StoredMessage&) const = default;
 };
@@ -25,7 +26,7 @@ struct StoredMessage {
 /// any thread, so that workers may do it.
 std::optional<StoredMessage> storedMessage(NSDictionary* attributes, Ref<NSError>* error);
 
-/// The attributes as they were imported.
+/// The attributes as they were imported. Absent with an error when they are damaged.
 ///
 /// body  absent is NULL
 Ref<NSDictionary> importedAttributes(std::string_view attributes,

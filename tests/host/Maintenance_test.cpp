@@ -48,7 +48,7 @@ TEST_F(MaintenanceTest, TheStatusCountsMessagesAndFailures) {
   ASSERT_TRUE(status);
   EXPECT_EQ(status->messages, 49);
   EXPECT_EQ(status->failures, 1);
-  EXPECT_EQ(status->version, 1);
+  EXPECT_EQ(status->version, 2);
   EXPECT_EQ(status->size, std::filesystem::file_size(path()));
   EXPECT_GT(status->lastChange, 1.7e9);
 }

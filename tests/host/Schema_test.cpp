@@ -5,6 +5,8 @@
 
 #include "host/store/Store.h"
 #include "host/store/StoreErrors.h"
+#include "platform/objects/NSData.h"
+#include "platform/propertylists/NSPropertyListSerialization.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kbx {
@@ -25,8 +27,9 @@ class SchemaTest : public ::testing::Test {
 };
 
 constexpr Migration kSteps[] = {
-    {1, "ALTER TABLE file ADD COLUMN first TEXT DEFAULT 'one'"},
-    {2, "UPDATE file SET first = first || ' two'; ALTER TABLE file RENAME COLUMN first TO both"}};
+    {kStoreVersion, "ALTER TABLE file ADD COLUMN first TEXT DEFAULT 'one'"},
+    {kStoreVersion + 1,
+     "UPDATE file SET first = first || ' two'; ALTER TABLE file RENAME COLUMN first TO both"}};
 
 TEST_F(SchemaTest, AStoreIsMarkedAsOne) {
   StoreWriter::open(path(), &error);
@@ -36,27 +39,56 @@ TEST_F(SchemaTest, AStoreIsMarkedAsOne) {
 
 TEST_F(SchemaTest, AnOlderStoreIsBroughtUpToDateStepByStep) {
   StoreWriter::open(path(), &error)->putFailure("/m/a", {}, "none", &error);
-  ASSERT_TRUE(prepareStore(*open(), kSteps, 3, &error)) << said();
-  EXPECT_EQ(version(), 3);
+  ASSERT_TRUE(prepareStore(*open(), kSteps, kStoreVersion + 2, &error)) << said();
+  EXPECT_EQ(version(), kStoreVersion + 2);
   EXPECT_EQ(open()->integer("SELECT both = 'one two' FROM file", &error), 1);
 }
 
 TEST_F(SchemaTest, AStepThatFailsLeavesTheVersionBeforeIt) {
   StoreWriter::open(path(), &error);
-  constexpr Migration failing[] = {kSteps[0],
-                                   {2, "CREATE TABLE half (x); INSERT INTO nowhere VALUES (1)"}};
-  EXPECT_FALSE(prepareStore(*open(), failing, 3, &error));
+  constexpr Migration failing[] = {
+      kSteps[0], {kStoreVersion + 1, "CREATE TABLE half (x); INSERT INTO nowhere VALUES (1)"}};
+  EXPECT_FALSE(prepareStore(*open(), failing, kStoreVersion + 2, &error));
   EXPECT_NE(said().find("nowhere"), std::string::npos) << said();
-  EXPECT_EQ(version(), 2);
+  EXPECT_EQ(version(), kStoreVersion + 1);
   EXPECT_EQ(open()->integer("SELECT count(*) FROM sqlite_master WHERE name = 'half'", &error), 0);
-  EXPECT_TRUE(prepareStore(*open(), kSteps, 3, &error)) << said();  // the next run completes
+  EXPECT_TRUE(prepareStore(*open(), kSteps, kStoreVersion + 2, &error))
+      << said();  // the next run completes
 }
 
 TEST_F(SchemaTest, AStoreTooOldForTheStepsIsRefused) {
   StoreWriter::open(path(), &error);
   constexpr Migration later[] = {kSteps[1]};
-  EXPECT_FALSE(prepareStore(*open(), later, 3, &error));
+  EXPECT_FALSE(prepareStore(*open(), later, kStoreVersion + 2, &error));
   EXPECT_EQ(error->code(), StoreOlderError);
+}
+
+TEST_F(SchemaTest, AStoreOfTheFirstVersionKeepsItsAttributesAndIsPutOutOfReachOfOlderPrograms) {
+  const Ref<NSString> page = NSString::stringWithUTF8(std::string(10'000, 'x'));
+  const Ref<NSDictionary> attributes =
+      NSDictionary::dictionaryWithPairs({{"kMDItemHTMLContent"_ns, page}});
+  StoreWriter::open(path(), &error)->put("/m/a", {}, {}, attributes, &error);
+  const auto isPacked = [this] {
+    return open()->integer("SELECT substr(attributes, 1, 6) <> CAST('bplist' AS BLOB) FROM message",
+                           &error);
+  };
+  EXPECT_EQ(isPacked(), 1);
+  {
+    // As the first version wrote it.
+    const auto list = NSPropertyListSerialization::dataWithPropertyList(
+        attributes, NSPropertyListBinaryFormat_v1_0, 0, &error);
+    const auto database = open();
+    Statement plain(*database, "UPDATE message SET attributes = ?1");
+    ASSERT_TRUE(plain.bindBytes(1, list->view()).run(&error));
+  }
+  change("PRAGMA user_version = 1");
+  EXPECT_FALSE(StoreReader::open(path(), &error));
+  EXPECT_EQ(error->code(), StoreOlderError);
+  auto store = StoreWriter::open(path(), &error);
+  ASSERT_TRUE(store) << said();
+  EXPECT_EQ(version(), 2);
+  EXPECT_EQ(isPacked(), 0);
+  EXPECT_TRUE(isEqual(store->attributesOf(1, &error), attributes));
 }
 
 TEST_F(SchemaTest, ANewerStoreIsRefusedAndNotTouched) {

@@ -254,9 +254,10 @@ TEST_F(StoreTroubles, AWriterThatIsKilledLosesNothingThatWasCommitted) {
 
 TEST_F(StoreTroubles, AMigrationThatIsKilledIsDoneOrNot) {
   constexpr Migration steps[] = {
-      {1,
+      {kStoreVersion,
        "ALTER TABLE file ADD COLUMN x; UPDATE file SET x = path; CREATE INDEX file_x ON file(x)"},
-      {2, "UPDATE file SET x = x || x; UPDATE message SET subject = subject || 'x'"}};
+      {kStoreVersion + 1,
+       "UPDATE file SET x = x || x; UPDATE message SET subject = subject || 'x'"}};
   fill(300);
   const std::string old = folder.read("mail.db");
   std::mt19937 random(static_cast<unsigned>(::getpid()));
@@ -266,14 +267,14 @@ TEST_F(StoreTroubles, AMigrationThatIsKilledIsDoneOrNot) {
     const pid_t child = ::fork();
     if (child == 0) {
       auto database = Database::open(path(), Database::Access::Writing, nullptr);
-      prepareStore(*database, steps, 3, nullptr);
+      prepareStore(*database, steps, kStoreVersion + 2, nullptr);
       ::_exit(0);
     }
     ::usleep(static_cast<useconds_t>(random() % 8'000));
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
     auto database = Database::open(path(), Database::Access::Writing, &error);
-    ASSERT_TRUE(prepareStore(*database, steps, 3, &error)) << said();
+    ASSERT_TRUE(prepareStore(*database, steps, kStoreVersion + 2, &error)) << said();
     EXPECT_EQ(database->integer("SELECT count(*) FROM file WHERE x = path || path", &error), 300);
     EXPECT_EQ(database->integer("SELECT count(*) FROM message WHERE subject LIKE '%x'", &error),
               300);

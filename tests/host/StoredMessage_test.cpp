@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "host/store/StoreErrors.h"
 #include "platform/objects/NSArray.h"
 #include "platform/objects/NSDate.h"
 #include "platform/objects/NSNumber.h"
@@ -113,6 +114,24 @@ TEST(StoredMessage, WhatIsNoPropertyListIsRefused) {
   EXPECT_FALSE(storedMessage(attributes, &error));
   EXPECT_TRUE(error);
   EXPECT_FALSE(importedAttributes("damaged", std::nullopt, &error));
+}
+
+TEST(StoredMessage, PackedAttributesComeBackAndDamagedOnesAreRefused) {
+  Ref<NSError> error;
+  std::string text;
+  for (int i = 0; i < 2000; ++i) text += std::to_string(i) + "<br>";
+  const Ref<NSString> page = NSString::stringWithUTF8(text);
+  const Ref<NSDictionary> attributes =
+      NSDictionary::dictionaryWithPairs({{"kMDItemHTMLContent"_ns, page}});
+  const auto message = storedMessage(attributes, &error);
+  ASSERT_TRUE(message);
+  ASSERT_LT(message->attributes.size(), text.size() / 2);
+  EXPECT_TRUE(isEqual(importedAttributes(message->attributes, std::nullopt, &error), attributes));
+  std::string damaged = message->attributes;
+  damaged.back() ^= 1;
+  EXPECT_FALSE(importedAttributes(damaged, std::nullopt, &error));
+  EXPECT_EQ(error->code(), StoreDamagedError);
+  EXPECT_EQ(error->localizedDescription()->lossyUTF8(), "The stored attributes are damaged.");
 }
 
 TEST(StoredMessage, TheIndexKnowsTheNameWithoutItsFolderAndState) {

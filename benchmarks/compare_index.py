@@ -1,13 +1,18 @@
 #!/usr/bin/env python3
 """Measures `ferncase index` and `ferncase search` beside mu, notmuch, recoll and mairix.
 
-    compare_index.py --ferncase BIN --generate BIN [--count N] [--folder DIR] [--runs N] [NAME...]
+    compare_index.py --ferncase BIN --generate BIN [--naive BIN] [--count N] [--folder DIR]
+                     [--runs N] [--first-runs N] [NAME...]
 
 Makes a mailbox of N messages (10,000) in the layout of a Maildir, which all of them read, and lets
 each program index it with its defaults: for the first time, with nothing changed, and with one
 message of a hundred replaced. Then it asks each for a word, a phrase, two fields and a word within
 a range of dates. Prints a table in Markdown: medians of the runs, in seconds or milliseconds by the
-clock, everything that a process does included. Programs that are not installed are left out.
+clock, everything that a process does included. Programs that are not installed are left out. First
+indexes are interleaved, so that what else the machine does meets all programs alike.
+
+"naive" (naive_index.cpp) is a floor: the MIME library's text of each message put into a plain
+full-text table. It knows no second run.
 
 Memory is the largest sum over all processes of a program of what each has for itself and its share
 of what it shares (PSS), looked at every 50 ms. Pages of the mailbox are in memory before each run.
@@ -73,6 +78,7 @@ class Memory:
 
 class Program:
     """How a program is set up, brought up to date and asked. Commands are lists of words."""
+    is_updated = True
 
     def __init__(self, name, folder, box):
         self.name, self.folder, self.box = name, folder / name, box
@@ -101,6 +107,9 @@ class Program:
         shutil.rmtree(self.folder, ignore_errors=True)
         self.folder.mkdir(parents=True)
 
+    def queries(self):
+        return {}
+
 
 class Ferncase(Program):
     binary = "ferncase"
@@ -113,6 +122,14 @@ class Ferncase(Program):
         return {"word": search + [WORD], "phrase": search + [f'"{PHRASE}"'],
                 "fields": search + [f"from:{SENDER}", f"subject:{SUBJECT}"],
                 "dates": search + [WORD, f"after:{DAYS[0]}", f"before:{DAYS[1]}"]}
+
+
+class Naive(Program):
+    binary = "naive_index"
+    is_updated = False
+
+    def index(self):
+        return [self.binary, str(self.folder / "naive.db"), str(self.box)]
 
 
 class Mu(Program):
@@ -195,7 +212,8 @@ class Mairix(Program):
                 "dates": search + [WORD, f"d:{days}"]}
 
 
-PROGRAMS = {"ferncase": Ferncase, "mairix": Mairix, "mu": Mu, "notmuch": Notmuch, "recoll": Recoll}
+PROGRAMS = {"ferncase": Ferncase, "naive": Naive, "mairix": Mairix, "mu": Mu, "notmuch": Notmuch,
+            "recoll": Recoll}
 EXECUTABLES = {"recoll": "recollindex"}
 
 
@@ -236,22 +254,36 @@ def median(values):
     return statistics.median(values)
 
 
-def measure(program, box, options, results):
-    firsts, efforts, peaks = [], [], []
-    for _ in range(options.first_runs):
-        program.set_up()
-        warm(box)
-        before = processor_seconds()
-        seconds, _, peak, code = program.run(program.index(), watches_memory=True)
-        if code != 0:
-            print(f"{program.name}: ended with {code}", file=sys.stderr)
-        efforts.append(processor_seconds() - before)
-        firsts.append(seconds)
-        peaks.append(peak)
-    results["first index, s"] = median(firsts)
-    results["first index, processor s"] = median(efforts)
-    results["peak memory, MB"] = median(peaks) / 1e6
-    results["store, MB"] = program.size() / 1e6
+def first_index(program):
+    """Seconds by the clock and of the processor, and bytes of memory."""
+    program.set_up()
+    warm(program.box)
+    before = processor_seconds()
+    seconds, _, peak, code = program.run(program.index(), watches_memory=True)
+    if code != 0:
+        print(f"{program.name}: ended with {code}", file=sys.stderr)
+    return seconds, processor_seconds() - before, peak
+
+
+def measure_first(programs, options, results):
+    figures = {name: [] for name in programs}
+    for number in range(options.first_runs):
+        for name, program in programs.items():
+            print(f"first index {number + 1}: {name}", file=sys.stderr)
+            figures[name].append(first_index(program))
+    for name, program in programs.items():
+        seconds, effort, peak = map(median, zip(*figures[name]))
+        results[name]["first index, s"] = seconds
+        results[name]["first index, processor s"] = effort
+        results[name]["peak memory, MB"] = peak / 1e6
+        results[name]["store, MB"] = program.size() / 1e6
+    if "naive" in results:
+        for name in programs:
+            results[name]["first index, of naive's"] = (
+                results[name]["first index, s"] / results["naive"]["first index, s"])
+
+
+def measure_later(program, options, results):
     results["nothing changed, s"] = median(
         [program.run(program.index())[0] for _ in range(options.runs)])
     for name, words in program.queries().items():
@@ -263,8 +295,9 @@ def measure(program, box, options, results):
         results[f"{name} found"] = len(output.splitlines())
 
 
-ROWS = ["first index, s", "first index, processor s", "nothing changed, s", "1 % changed, s", "store, MB", "peak memory, MB",
-        "word, ms", "phrase, ms", "fields, ms", "dates, ms"]
+ROWS = ["first index, s", "first index, of naive's", "first index, processor s",
+        "nothing changed, s", "1 % changed, s", "store, MB", "peak memory, MB", "word, ms", "phrase, ms",
+        "fields, ms", "dates, ms"]
 
 
 def table(results):
@@ -280,6 +313,7 @@ def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--ferncase", required=True)
     parser.add_argument("--generate", required=True)
+    parser.add_argument("--naive", help="the floor, built from naive_index.cpp")
     parser.add_argument("--count", type=int, default=10_000)
     parser.add_argument("--folder", type=pathlib.Path)
     parser.add_argument("--runs", type=int, default=5)
@@ -287,16 +321,19 @@ def main():
     parser.add_argument("names", nargs="*", default=list(PROGRAMS))
     options = parser.parse_args()
     Ferncase.binary = os.path.abspath(options.ferncase)
-    names = [name for name in options.names
-             if name == "ferncase" or shutil.which(EXECUTABLES.get(name, name))]
+    EXECUTABLES["ferncase"] = Ferncase.binary
+    EXECUTABLES["naive"] = Naive.binary = os.path.abspath(options.naive or "naive_index")
+    names = [name for name in options.names if shutil.which(EXECUTABLES.get(name, name))]
     with tempfile.TemporaryDirectory(dir=options.folder) as place:
         folder = pathlib.Path(place)
         box = make_box(os.path.abspath(options.generate), folder, options.count, 1, "")
         programs = {name: PROGRAMS[name](name, folder, box) for name in names}
         results = {name: {} for name in names}
-        for name, program in programs.items():
+        measure_first(programs, options, results)
+        updated = {name: program for name, program in programs.items() if program.is_updated}
+        for name, program in updated.items():
             print(f"measuring {name}", file=sys.stderr)
-            measure(program, box, options, results[name])
+            measure_later(program, options, results[name])
             print(", ".join(f"{row} {value:.3g}" for row, value in results[name].items()),
                   file=sys.stderr)
         changes = []
@@ -304,8 +341,8 @@ def main():
             replace_some(box, options.count, os.path.abspath(options.generate), folder, seed)
             warm(box)
             changes.append({name: program.run(program.index())[0]
-                            for name, program in programs.items()})
-        for name in names:
+                            for name, program in updated.items()})
+        for name in updated:
             results[name]["1 % changed, s"] = median([change[name] for change in changes])
         print(table(results))
         for name in names:

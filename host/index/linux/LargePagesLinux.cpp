@@ -10,10 +10,10 @@
 namespace kbx {
 namespace {
 
+#ifdef __GLIBC__
+
 constexpr std::size_t kRoom = std::size_t{96} << 20;
 constexpr std::uintptr_t kLargePage = std::uintptr_t{2} << 20;
-
-#ifdef __GLIBC__
 
 // What the C library has unless it is told otherwise.
 constexpr int kUsualTrimming = 128 << 10;

@@ -133,10 +133,11 @@ ExitCode IndexCommand::run(std::vector<std::string> operands, Console& console) 
 // ---- Indexing -----------------------------------------------------------------------------------
 
 ExitCode IndexCommand::index(const std::vector<std::string>& operands, Console& console) const {
+  const std::string path = _options.store.path();
   std::vector<std::string> places = placesOf(operands, console);
   if (!operands.empty() && places.empty()) return kNoneDelivered;
   Ref<NSError> error;
-  auto store = StoreWriter::open(_options.store.path(), &error);
+  auto store = StoreWriter::open(path, &error);
   if (!store || !rememberFolders(*store, outermost(places), &error)) {
     console.diagnostics.failure(error);
     return kStoreFailed;

@@ -33,9 +33,8 @@ TEST(StoreOption, TheUsersOwnStoreIsTheDefault) {
 TEST(StoreOption, WithoutAStoreEachCommandRefusesToGuess) {
   FakeEnvironment environment;
   ScopedService<Environment> installed(environment);
-  const TemporaryFolder folder;
   for (auto command : {"index", "watch", "show", "export", "search"}) {
-    const auto [code, output, complaints] = answerTo({command, folder.path().string()});
+    const auto [code, output, complaints] = answerTo({command, "/gone"});
     EXPECT_EQ(code, kMisused) << command;
     EXPECT_THAT(
         complaints,
@@ -46,9 +45,8 @@ TEST(StoreOption, WithoutAStoreEachCommandRefusesToGuess) {
 TEST(StoreOption, AnEmptyNameDoesNotStandForTheUsersOwnStore) {
   FakeEnvironment environment({"XDG_DATA_HOME=/data"});
   ScopedService<Environment> installed(environment);
-  const TemporaryFolder folder;
   for (auto command : {"index", "watch", "show", "export", "search"}) {
-    const auto [code, output, complaints] = answerTo({command, "--db=", folder.path().string()});
+    const auto [code, output, complaints] = answerTo({command, "--db=", "/gone"});
     EXPECT_EQ(code, kMisused) << command;
     EXPECT_THAT(complaints, HasSubstr("--db needs a FILE"));
   }

@@ -35,10 +35,10 @@ bool isOperatorAt(std::string_view text, std::size_t place) {
   const std::string_view rest = text.substr(place);
   for (std::string_view sign : {"==", "!=", "&&", "||", "InRange("})
     if (rest.starts_with(sign)) return true;
-  if (rest[0] == '<' || rest[0] == '>')
-    return !nameBefore(text, place).empty() && beginsValue(rest.substr(1));
-  if (rest[0] != '=') return false;
+  const bool isComparison = rest[0] == '<' || rest[0] == '>';
+  if (!isComparison && rest[0] != '=') return false;
   const std::string_view name = nameBefore(text, place);
+  if (isComparison && !name.empty() && beginsValue(rest.substr(1))) return true;
   return name.starts_with("kMDItem") || name.starts_with("com_apple_") ||
          name.starts_with("org_ferncase_");
 }

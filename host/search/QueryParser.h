@@ -21,7 +21,7 @@ inline constexpr int kDeepestQuery = 20;  // parentheses and negations within ea
 QueryNode parseQuery(std::string_view text);
 
 /// Whether the text is a query of attributes: outside of quotes it holds ==, !=, &&, ||, InRange(,
-/// a word and <, >, <= or >= before a value, or the name of an attribute and =.
+/// a word and <, >, <= or >= before a value, or the name of an attribute and =, < or >.
 bool isAttributeQuery(std::string_view text);
 
 }  // namespace kbx

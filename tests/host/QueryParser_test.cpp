@@ -10,7 +10,8 @@ namespace {
 TEST(QueryParser, AnOperatorMakesAQueryOfAttributes) {
   for (const char* text : {"kMDItemSubject == \"x\"", "a!=1", "a == 1 && b == 2", "x || y",
                            "size < 5", "size<5", "size >= 5", "a > $time.today", "InRange(a, 1, 2)",
-                           "* == \"x\"", "kMDItemSubject = \"x\"", "org_ferncase_mail_size > -1"}) {
+                           "* == \"x\"", "kMDItemSubject = \"x\"", "org_ferncase_mail_size > -1",
+                           "kMDItemFSSize >> 3", "kMDItemFSSize <> 3", "kMDItemFSSize > many"}) {
     SCOPED_TRACE(text);
     EXPECT_TRUE(isAttributeQuery(text));
   }

@@ -22,6 +22,7 @@ bool WatchLoop::step() {
     rescan();
   }
   _folders.expire(now);
+  lookForLost(now);
   retryUnwatched(now);
   update(now);
   tellEvents();
@@ -32,6 +33,7 @@ std::optional<Moment> WatchLoop::deadline() const {
   std::optional<Moment> first = _changes.deadline();
   if (first && _busyUntil) first = std::max(*first, *_busyUntil);
   bringForward(first, _folders.deadline());
+  bringForward(first, _look);
   bringForward(first, _retry);
   return first;
 }
@@ -51,6 +53,20 @@ void WatchLoop::retryUnwatched(Moment now) {
     _retry.reset();
   else if (!_retry)
     _retry = now + kRetry;
+}
+
+void WatchLoop::lookForLost(Moment now) {
+  if (_look && *_look <= now) {
+    _folders.retryLost();
+    _look.reset();
+  }
+  if (!_folders.hasLost()) {
+    _look.reset();
+    _pause = kFirstLook;
+  } else if (!_look) {
+    _look = now + _pause;
+    _pause = std::min<std::chrono::seconds>(2 * _pause, kRetry);
+  }
 }
 
 void WatchLoop::update(Moment now) {

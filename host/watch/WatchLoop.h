@@ -58,8 +58,12 @@ class WatchLoop {
   /// was told: then it is over.
   bool step();
 
-  /// How often folders without a watch are gone through, and those that are gone looked for.
+  /// How often folders without a watch are gone through, and roots that are gone long since looked
+  /// for.
   static constexpr std::chrono::minutes kRetry{5};
+  /// When a root that is gone is looked for first: programs that put another folder in its place
+  /// do so at once. Each further pause is twice the one before.
+  static constexpr std::chrono::seconds kFirstLook{1};
   static constexpr std::chrono::seconds kBusyRetry{1};
 
  private:
@@ -67,6 +71,7 @@ class WatchLoop {
   void update(Moment now);
   void rescan();
   void retryUnwatched(Moment now);
+  void lookForLost(Moment now);
   void tellEvents();
 
   FolderWatcher& _watcher;
@@ -74,7 +79,9 @@ class WatchLoop {
   WatchListener& _listener;
   PendingChanges _changes;
   WatchedFolders _folders;
-  std::optional<Moment> _retry;      // while there are folders without a watch
+  std::optional<Moment> _retry;  // while there are folders without a watch
+  std::optional<Moment> _look;   // while there are roots that are gone
+  std::chrono::seconds _pause = kFirstLook;
   std::optional<Moment> _busyUntil;  // while somebody else writes
   bool _isReady = false;
   bool _hasFailed = false;

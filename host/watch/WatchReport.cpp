@@ -18,7 +18,7 @@ Ref<NSString> textOf(const WatchedFolders::Event& event) {
   switch (event.kind) {
     case Kind::Lost:
       return "It is gone, or what was mounted there. The store keeps its messages; it is looked "
-             "for every five minutes."_ns;
+             "for from time to time."_ns;
     case Kind::Found:
       return "It is back."_ns;
     case Kind::Limited:

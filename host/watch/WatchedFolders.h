@@ -58,6 +58,10 @@ class WatchedFolders {
   /// Tries those again. Each that is watched now, and each that has to do without, is settled as a
   /// folder.
   void retry();
+  /// Whether any root is gone.
+  bool hasLost() const { return !_lost.empty(); }
+  /// Tries these alone, which costs a look at each.
+  void retryLost();
   /// The roots that are there, or were when they were last looked at.
   std::vector<std::string> presentRoots() const;
   /// How many folders are watched.
@@ -105,7 +109,6 @@ class WatchedFolders {
   bool beginRoot(const std::string& root);
   void lose(const std::string& root);
   void retryLimited();
-  void retryLost();
 
   // The watches.
   void enter(int parent, const std::string& name);

@@ -195,5 +195,23 @@ TEST_F(WatchLoopTest, WhatALostRootHeldIsNotAskedForAndItsReturnIsSeen) {
   EXPECT_THAT(_index.updates, ElementsAre(ElementsAre(_root.string())));
 }
 
+TEST_F(WatchLoopTest, ARootThatIsGoneIsLookedForSoonAndThenMoreSeldom) {
+  begin();
+  fs::rename(_root, _folder / "elsewhere");
+  _watcher.tell(Kind::Removed, path("a.eml"));
+  _loop.step();
+  _loop.step();  // notes that a root is gone
+  const Moment start = _watcher.time;
+  for (int i = 0; i < 3; ++i) _loop.step();
+  EXPECT_EQ(_watcher.time, start + 7 * WatchLoop::kFirstLook);
+  for (int i = 0; i < 10; ++i) _loop.step();
+  const Moment later = _watcher.time;
+  _loop.step();
+  EXPECT_LE(_watcher.time - later, WatchLoop::kRetry);
+  fs::create_directory(_root);
+  for (int i = 0; i < 2; ++i) _loop.step();
+  EXPECT_THAT(_index.updates, ElementsAre(ElementsAre(_root.string())));
+}
+
 }  // namespace
 }  // namespace kbx

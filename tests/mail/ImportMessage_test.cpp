@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "tests/mail/Messages.h"
 #include "tests/support/FailingReads.h"
 
 namespace kbx {

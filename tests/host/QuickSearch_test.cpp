@@ -3,6 +3,7 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 
+#include "host/console/Command.h"
 #include "tests/support/MailStore.h"
 #include "tests/support/Process.h"
 
@@ -98,13 +99,13 @@ TEST_F(QuickSearchTest, TroublesAreToldAsTheHostTellsThem) {
   for (const std::string& program : {std::string(FERNCASE_BINARY), std::string(kHost)}) {
     const auto missing =
         Process({program, "search", "--db", (_folder / "none.db").string(), "word"}).run();
-    EXPECT_EQ(missing.exitCode, 3);
+    EXPECT_EQ(missing.exitCode, kStoreFailed);
     EXPECT_EQ(missing.complaints, "ferncase: " + (_folder / "none.db").string() +
                                       ": there is no store; `ferncase index FOLDER` makes one\n");
     const int full = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
     const auto unwritten = Process(command(program, {"engine"})).outputTo(full).run();
     ::close(full);
-    EXPECT_EQ(unwritten.exitCode, 1);
+    EXPECT_EQ(unwritten.exitCode, kBroken);
     EXPECT_EQ(unwritten.complaints, "ferncase: standard output: No space left on device\n");
   }
 }
@@ -114,7 +115,7 @@ TEST_F(QuickSearchTest, ADamagedStoreIsTheHostsMatter) {
   _folder.write("broken.db", "SQLite format 3, and nothing more");
   const auto quick = Process({FERNCASE_BINARY, "search", "--db", path, "word"}).run();
   const auto host = Process({kHost, "search", "--db", path, "word"}).run();
-  EXPECT_EQ(quick.exitCode, 3);
+  EXPECT_EQ(quick.exitCode, kStoreFailed);
   EXPECT_EQ(quick.complaints, host.complaints);
   EXPECT_EQ(quick.output, "");
 }

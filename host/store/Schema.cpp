@@ -132,8 +132,8 @@ bool migrate(Database& database, const Migration& step, Ref<NSError>* error) {
 std::span<const Migration> storeMigrations() {
   static constexpr Migration steps[] = {
       // Attributes may be packed from now on, which older programs do not know; those that are
-      // there stay as they are.
-      {1, "SELECT 1"}};
+      // there stay as they are. Signs like "²" have become words of their own.
+      {1, "INSERT INTO word (word) VALUES ('rebuild')"}};
   return steps;
 }
 

@@ -20,6 +20,7 @@ namespace {
 constexpr char32_t kHighest = 0x10FFFF;
 constexpr char32_t kPageSize = 256;
 constexpr std::uint32_t kCharacterBits = 0x1FFFFF;
+constexpr std::uint32_t kSignBit = 0x800000;
 
 /// Letters with a stroke, which Unicode does not take apart, and letters of two.
 struct Spelling {
@@ -165,6 +166,15 @@ bool isTakenAsItIs(char32_t character) {
   return (character >= 0x3131 && character <= 0x318E) || character == 0x2122 || character == 0x2120;
 }
 
+/// A footnote's mark, a power, a fraction, a circled number, a unit in one square, as opposed to
+/// other forms of letters and decimal digits.
+bool isSign(char32_t character) {
+  const auto code = static_cast<UChar32>(character);
+  const auto form = u_getIntPropertyValue(code, UCHAR_DECOMPOSITION_TYPE);
+  return form != U_DT_NONE && form != U_DT_CANONICAL &&
+         (U_GET_GC_MASK(code) & (U_GC_NO_MASK | U_GC_S_MASK)) != 0;
+}
+
 std::u16string withoutAccents(std::u16string_view text) {
   std::u16string others;
   for (const char32_t character : charactersOf(text))
@@ -208,7 +218,8 @@ std::vector<char32_t> foldedForm(char32_t character) {
   return charactersOf(normalized(together, inPlainLetters(small)));
 }
 
-/// 256 characters: the kind in the high bits, the character or the place of its expansion below.
+/// 256 characters: the kind in the high bits, then whether it is a sign, the character or the place
+/// of its expansion below.
 struct Page {
   std::array<std::uint32_t, kPageSize> entries = {};
   std::vector<char32_t> expansions;  // the count before each
@@ -223,11 +234,12 @@ std::uint32_t entryOf(char32_t character, Page& page) {
   if (own == CharacterKind::Ignored) return entry(own, 0);
   const std::vector<char32_t> form = foldedForm(character);
   if (form.empty()) return entry(CharacterKind::Ignored, 0);
-  if (form.size() == 1) return entry(kindOf(form[0]), form[0]);
+  const std::uint32_t sign = isSign(character) ? kSignBit : 0;
+  if (form.size() == 1) return entry(kindOf(form[0]), form[0]) | sign;
   const auto place = static_cast<char32_t>(page.expansions.size());
   page.expansions.push_back(static_cast<char32_t>(form.size()));
   page.expansions.insert(page.expansions.end(), form.begin(), form.end());
-  return entry(CharacterKind::Several, place);
+  return entry(CharacterKind::Several, place) | sign;
 }
 
 using Pages = std::array<std::atomic<const Page*>, (kHighest + 1) / kPageSize>;
@@ -278,7 +290,7 @@ FoldedCharacter folded(char32_t character) {
   if (isPlainIdeograph(character)) return {CharacterKind::Ideograph, character};
   if (isBeyondScripts(character)) return beyondScripts(character);
   const std::uint32_t found = pageOf(character).entries[character % kPageSize];
-  return {static_cast<CharacterKind>(found >> 24), found & kCharacterBits};
+  return {static_cast<CharacterKind>(found >> 24), found & kCharacterBits, (found & kSignBit) != 0};
 }
 
 std::span<const char32_t> expansionOf(char32_t character) {

@@ -22,6 +22,9 @@ enum class CharacterKind : std::uint8_t {
 struct FoldedCharacter {
   CharacterKind kind;
   char32_t character;  // of no meaning for Separator, Ignored and Several
+  /// A number or a sign that stands for letters or digits, as "²", "№" and "㎏": a word of its own
+  /// that sticks to its neighbours.
+  bool isSign = false;
 };
 
 /// Case is folded (in full), as are widths, compatibility forms, digits of all scripts; accents of

@@ -176,11 +176,13 @@ class Walk {
       return;
     }
     const FoldedCharacter one = folded(character);
+    if (one.isSign) joint(place.start);
     if (one.kind == CharacterKind::Several) {
       for (const char32_t part : expansionOf(character)) takeFolded(folded(part), place);
     } else {
       takeFolded(one, place);
     }
+    if (one.isSign) joint(place.end);
   }
 
   void takeFolded(FoldedCharacter one, Place place) {
@@ -244,6 +246,13 @@ class Walk {
     if (!_word.isOpen()) return separate();
     endWord(true);
     _joinerEnd = place.end;
+  }
+
+  /// A place where words join although nothing stands between them: "note¹" is found by "note".
+  void joint(std::size_t at) {
+    if (!_word.isOpen()) return;
+    endWord(true);
+    _joinerEnd = at;
   }
 
   void separate() {
@@ -344,7 +353,7 @@ class Walk {
   Word _word, _chain;
   Place _wordPlace, _chainPlace;
   std::size_t _chainedWords = 0;
-  std::size_t _joinerEnd = kNowhere;  // behind the joiner that followed the last word
+  std::size_t _joinerEnd = kNowhere;  // behind the joiner or joint that followed the last word
 
   Syllable _syllable, _previous;
   Place _syllablePlace, _previousPlace;

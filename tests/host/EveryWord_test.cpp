@@ -34,25 +34,6 @@ bool hasLetterOrDigit(const icu::UnicodeString& word) {
   return false;
 }
 
-/// Whether the character is a number or a sign for letters, as in "x²" and "№5", where the product
-/// sees one word and ICU two.
-bool standsForOthers(UChar32 character) {
-  const auto form = u_getIntPropertyValue(character, UCHAR_DECOMPOSITION_TYPE);
-  return form != U_DT_NONE && form != U_DT_CANONICAL &&
-         (U_GET_GC_MASK(character) & (U_GC_NO_MASK | U_GC_S_MASK)) != 0;
-}
-
-/// The character before the place which is not one that nobody sees; a line feed at the beginning.
-UChar32 seenBefore(const icu::UnicodeString& text, int32_t place) {
-  UChar32 character = '\n';
-  do {
-    if (place == 0) return '\n';
-    place = text.moveIndex32(place, -1);
-    character = text.char32At(place);
-  } while (u_hasBinaryProperty(character, UCHAR_DEFAULT_IGNORABLE_CODE_POINT));
-  return character;
-}
-
 class WordFinder {
  public:
   WordFinder() {
@@ -69,7 +50,6 @@ class WordFinder {
     for (int32_t end; (end = _words->next()) != icu::BreakIterator::DONE; start = end) {
       const icu::UnicodeString word = text.tempSubStringBetween(start, end);
       if (!hasLetterOrDigit(word)) continue;
-      if (standsForOthers(seenBefore(text, start)) || standsForOthers(text.char32At(end))) continue;
       std::string name;
       word.toUTF8String(name);
       std::ranges::replace(name, '"', ' ');  // part of some Hebrew words, and the end of a phrase

@@ -7,8 +7,9 @@
 
 namespace kbx {
 
-StoreIndex::StoreIndex(std::string store, const ImportSettings& imports, IndexListener& listener)
-    : _path(std::move(store)), _listener(listener) {
+StoreIndex::StoreIndex(std::string store, std::vector<std::string> places,
+                       const ImportSettings& imports, IndexListener& listener)
+    : _path(std::move(store)), _places(std::move(places)), _listener(listener) {
   _settings.imports = imports;
   _settings.roots = FolderWalk::Root::Seen;
 }
@@ -17,6 +18,8 @@ WatchedIndex::Answer StoreIndex::update(const std::vector<std::string>& paths,
                                         Ref<NSError>* error) {
   const auto store = StoreWriter::open(_path, error);
   if (!store) return (*error)->code() == StoreBusyError ? Answer::Busy : Answer::Failed;
+  if (!_places.empty() && !rememberFolders(*store, _places, error)) return Answer::Failed;
+  _places.clear();
   IndexRun run(*store, _settings, _listener);
   switch (run.run(outermost(paths), error)) {
     case IndexRun::End::NoImporter:

@@ -69,13 +69,6 @@ void leaveFoldersOnly(std::vector<std::string>& places, Diagnostics& diagnostics
   });
 }
 
-/// The writer may be somebody else for a while, even at the start.
-bool remember(const std::string& store, const std::vector<std::string>& places,
-              Ref<NSError>* error) {
-  const auto writer = StoreWriter::open(store, error);
-  return writer && rememberFolders(*writer, places, error);
-}
-
 std::optional<std::vector<std::string>> rememberedFolders(const std::string& store,
                                                           Ref<NSError>* error) {
   const auto reader = StoreReader::open(store, error);
@@ -91,13 +84,9 @@ std::optional<std::vector<std::string>> rootsFor(const std::vector<std::string>&
   *code = kNoneDelivered;
   if (!operands.empty() && places.empty()) return std::nullopt;
   places = outermost(std::move(places));
+  if (!operands.empty()) return places;
   *code = kStoreFailed;
   Ref<NSError> error;
-  if (!operands.empty()) {
-    if (remember(store, places, &error)) return places;
-    console.diagnostics.failure(error);
-    return std::nullopt;
-  }
   auto remembered = rememberedFolders(store, &error);
   if (!remembered && error->code() != StoreMissingError) {
     console.diagnostics.failure(error);
@@ -128,7 +117,8 @@ ExitCode WatchCommand::follow(const std::string& store, std::vector<std::string>
   WatchReport report(console, wishesFor(_options.hasEvents, _options.isQuiet));
   ImportSettings imports;
   _options.workers.applyTo(imports, console.diagnostics);
-  StoreIndex index(store, imports, report);
+  // The writer may be somebody else for a while, even at the start: the index waits for its turn.
+  StoreIndex index(store, roots, imports, report);
   WatchLoop loop(watcher, index, report, std::move(roots));
   loop.begin();
   while (!Interruption::isWished()) {

@@ -51,6 +51,13 @@ class WatchCommandTest : public testing::Test {
         text += " " + fs::path(event.at(key).get<std::string>()).lexically_relative(_mail).string();
     return text;
   }
+  static void expectThatItWaits(RunningProcess& watch) {
+    const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
+    while (!watch.complaints().ends_with("waiting\n") &&
+           std::chrono::steady_clock::now() < deadline)
+      std::this_thread::yield();
+    EXPECT_THAT(watch.complaints(), HasSubstr("waiting"));
+  }
   Finished index(std::vector<std::string> arguments) const {
     arguments.insert(arguments.begin(), {FERNCASE_BINARY, "index", "--db", store(), "--quiet"});
     return Process(std::move(arguments)).run();
@@ -207,13 +214,21 @@ TEST_F(WatchCommandTest, WhileSomebodyElseWritesChangesWait) {
   auto other = StoreWriter::open(store(), &error);
   ASSERT_TRUE(other);
   deliver("a.eml", "a");
-  const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-  while (!watch.complaints().ends_with("waiting\n") && std::chrono::steady_clock::now() < deadline)
-    std::this_thread::yield();
-  EXPECT_THAT(watch.complaints(), HasSubstr("waiting"));
+  expectThatItWaits(watch);
   EXPECT_EQ(stored().size(), 0u);
   other.reset();
   EXPECT_EQ(next(watch), "added a.eml");
+}
+
+TEST_F(WatchCommandTest, ItWaitsForItsTurnFromTheStart) {
+  auto other = StoreWriter::open(store(), nullptr);
+  ASSERT_TRUE(other);
+  deliver("a.eml", "a");
+  RunningProcess watch(command());
+  expectThatItWaits(watch);
+  other.reset();
+  EXPECT_EQ(next(watch), "added a.eml");
+  EXPECT_EQ(next(watch), "ready");
 }
 
 TEST_F(WatchCommandTest, TheServiceManagerIsToldWhenItIsReadyAndWhenItEnds) {

@@ -30,6 +30,7 @@ std::optional<MadeRow> madeRowIn(std::string_view bytes) {
   if (bytes.empty()) return std::nullopt;
   const auto length = static_cast<unsigned char>(bytes.front());
   bytes.remove_prefix(1);
+  if (length > bytes.size()) return std::nullopt;
   MadeRow row;
   row.hash = contentHashIn(bytes.substr(0, length));
   if (length != 0 && !row.hash) return std::nullopt;

@@ -151,7 +151,8 @@ TEST(RowMaker, OtherBytesAreNoRow) {
   const std::string good = *maker.make(NSDictionary::dictionary(), nullptr);
   ASSERT_TRUE(madeRowIn(good));
   for (const std::string& bytes :
-       {std::string(), good + "more", good.substr(1), "\x03" + good.substr(1), "\x08hash"s})
+       {std::string(), good + "more", good.substr(1), "\x03" + good.substr(1), "\x08hash"s,
+        "\x09" + std::string(8, 'h')})
     EXPECT_FALSE(madeRowIn(bytes)) << bytes.size();
 }
 

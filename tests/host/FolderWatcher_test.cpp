@@ -2,12 +2,17 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
+#include <sys/wait.h>
 
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
+#include <set>
 
 #include "host/console/Interruption.h"
+#include "host/watch/linux/FolderWatchersLinux.h"
 #include "tests/support/TemporaryFolder.h"
 
 namespace kbx {
@@ -16,6 +21,7 @@ namespace {
 namespace fs = std::filesystem;
 using Kind = FolderNotice::Kind;
 using testing::AllOf;
+using testing::AnyOf;
 using testing::Contains;
 using testing::ElementsAre;
 using testing::Field;
@@ -26,11 +32,18 @@ auto notice(Kind kind, const std::string& name, bool isFolder = false) {
                Field(&FolderNotice::isFolder, isFolder));
 }
 
-class FolderWatcherTest : public testing::Test {
+struct System {
+  const char* name;
+  std::unique_ptr<FolderWatcher> (*make)(int* failure);
+};
+
+class FolderWatcherTest : public testing::TestWithParam<System> {
  protected:
   void SetUp() override {
     int failure = 0;
-    _watcher = makeFolderWatcher(&failure);
+    _watcher = GetParam().make(&failure);
+    if (failure == EPERM || failure == EINVAL || failure == ENOSYS)
+      GTEST_SKIP() << GetParam().name << ": " << std::strerror(failure);
     ASSERT_TRUE(_watcher) << std::strerror(failure);
     _watch = _watcher->watch(_folder.path().string());
     ASSERT_GE(_watch, 0);
@@ -43,7 +56,7 @@ class FolderWatcherTest : public testing::Test {
   int _watch = -1;
 };
 
-TEST_F(FolderWatcherTest, TellsOfAFileFromItsMakingToItsEnd) {
+TEST_P(FolderWatcherTest, TellsOfAFileFromItsMakingToItsEnd) {
   _folder.write("a.eml", "x");
   EXPECT_THAT(notices(), ElementsAre(notice(Kind::Made, "a.eml"), notice(Kind::Touched, "a.eml"),
                                      notice(Kind::Written, "a.eml")));
@@ -53,7 +66,18 @@ TEST_F(FolderWatcherTest, TellsOfAFileFromItsMakingToItsEnd) {
   EXPECT_THAT(notices(), Contains(notice(Kind::Removed, "a.eml")));
 }
 
-TEST_F(FolderWatcherTest, TheTwoNoticesOfAMoveHaveOneCookie) {
+TEST_P(FolderWatcherTest, WhatIsThereIsToldLast) {
+  _folder.write("a.eml", "x");
+  fs::remove(_folder / "a.eml");
+  _folder.write("a.eml", "y");
+  EXPECT_THAT(notices().back(), notice(Kind::Written, "a.eml"));
+  fs::create_directory(_folder / "inner");
+  fs::remove(_folder / "inner");
+  fs::create_directory(_folder / "inner");
+  EXPECT_THAT(notices().back(), notice(Kind::Made, "inner", true));
+}
+
+TEST_P(FolderWatcherTest, TheTwoNoticesOfAMoveHaveOneCookie) {
   fs::create_directory(_folder / "inner");
   notices();
   fs::rename(_folder / "inner", _folder / "other");
@@ -64,7 +88,45 @@ TEST_F(FolderWatcherTest, TheTwoNoticesOfAMoveHaveOneCookie) {
   EXPECT_NE(moved[0].cookie, 0u);
 }
 
-TEST_F(FolderWatcherTest, AFolderKeepsItsWatchUnderEachOfItsPaths) {
+TEST_P(FolderWatcherTest, AMoveOutOfTheFolderHasOneNotice) {
+  const TemporaryFolder outside;
+  _folder.write("a.eml", "");
+  notices();
+  fs::rename(_folder / "a.eml", outside / "a.eml");
+  EXPECT_THAT(notices(), ElementsAre(notice(Kind::MovedAway, "a.eml")));
+  fs::rename(outside / "a.eml", _folder / "b.eml");
+  EXPECT_THAT(notices(), ElementsAre(notice(Kind::MovedHere, "b.eml")));
+}
+
+// Equal events that nobody has read yet may be told as one, so the order could be a wrong one.
+TEST_P(FolderWatcherTest, WhereAFolderIsIsToldOrSaidToBeUnknown) {
+  fs::create_directory(_folder / "one");
+  notices();
+  fs::rename(_folder / "one", _folder / "two");
+  fs::rename(_folder / "two", _folder / "one");
+  fs::rename(_folder / "one", _folder / "two");
+  EXPECT_THAT(notices().back(),
+              AnyOf(notice(Kind::MovedHere, "two", true), Field(&FolderNotice::kind, Kind::Lost)));
+  fs::rename(_folder / "two", _folder / "one");
+  EXPECT_THAT(notices().back(), notice(Kind::MovedHere, "one", true)) << "one alone is certain";
+}
+
+TEST_P(FolderWatcherTest, AFolderThatMovesIsTold) {
+  fs::rename(_folder.path(), _folder.path().string() + ".moved");
+  const auto told = notices();
+  fs::rename(_folder.path().string() + ".moved", _folder.path());
+  EXPECT_THAT(told, ElementsAre(AllOf(Field(&FolderNotice::kind, Kind::FolderMoved),
+                                      Field(&FolderNotice::watch, _watch))));
+}
+
+TEST_P(FolderWatcherTest, AFileSystemThatHasNoHandlesIsWatchedToo) {
+  const int watch = _watcher->watch("/proc");
+  EXPECT_GE(watch, 0);
+  EXPECT_EQ(_watcher->watch("/proc"), watch);
+  _watcher->unwatch(watch);
+}
+
+TEST_P(FolderWatcherTest, AFolderKeepsItsWatchUnderEachOfItsPaths) {
   fs::create_directory(_folder / "inner");
   const int inner = _watcher->watch((_folder / "inner").string());
   EXPECT_GE(inner, 0);
@@ -77,7 +139,7 @@ TEST_F(FolderWatcherTest, AFolderKeepsItsWatchUnderEachOfItsPaths) {
                                         Field(&FolderNotice::watch, inner))));
 }
 
-TEST_F(FolderWatcherTest, OnlyFoldersAreWatched) {
+TEST_P(FolderWatcherTest, OnlyFoldersAreWatched) {
   _folder.write("a.eml", "");
   fs::create_directory_symlink(_folder.path(), _folder / "link");
   EXPECT_EQ(_watcher->watch((_folder / "a.eml").string()), -ENOTDIR);
@@ -85,7 +147,7 @@ TEST_F(FolderWatcherTest, OnlyFoldersAreWatched) {
   EXPECT_EQ(_watcher->watch((_folder / "missing").string()), -ENOENT);
 }
 
-TEST_F(FolderWatcherTest, NothingIsToldOfWhatIsLetGo) {
+TEST_P(FolderWatcherTest, NothingIsToldOfWhatIsLetGo) {
   fs::create_directory(_folder / "inner");
   const int inner = _watcher->watch((_folder / "inner").string());
   _watcher->unwatch(inner);
@@ -97,17 +159,57 @@ TEST_F(FolderWatcherTest, NothingIsToldOfWhatIsLetGo) {
   EXPECT_THAT(notices(), IsEmpty());
 }
 
-TEST_F(FolderWatcherTest, ManyNoticesAreReadAtOnce) {
+TEST_P(FolderWatcherTest, ManyNoticesAreReadAtOnce) {
   constexpr int kFiles = 3000;  // more than one read of the system call holds
   for (int i = 0; i < kFiles; ++i) _folder.write(std::to_string(i) + std::string(40, 'x'), "");
   EXPECT_EQ(notices().size(), std::size_t{2} * kFiles);
 }
 
-TEST_F(FolderWatcherTest, WaitingEndsWithTheMoment) {
+TEST_P(FolderWatcherTest, WaitingEndsWithTheMoment) {
   const Moment until = _watcher->now() + std::chrono::milliseconds(2);
   EXPECT_THAT(_watcher->wait(until), IsEmpty());
   EXPECT_GE(_watcher->now(), until);
 }
+
+// In a process of its own, with mounts of its own. Answers 0 when the watches have ended.
+int unmount(const System& system, const std::string& point, bool isMountedAnew) {
+  constexpr int kMayNot = 77;
+  const auto mount = [&] { return ::mount("none", point.c_str(), "tmpfs", 0, nullptr); };
+  if (::unshare(CLONE_NEWNS) != 0 || ::mount("none", "/", "", MS_REC | MS_PRIVATE, nullptr) != 0 ||
+      mount() != 0)
+    return kMayNot;
+  int failure = 0;
+  const auto watcher = system.make(&failure);
+  if (!watcher) return kMayNot;
+  fs::create_directory(point + "/inner");
+  const std::set<int> watches{watcher->watch(point), watcher->watch(point + "/inner")};
+  if (*watches.begin() < 0 || !watcher->wait(Moment::min()).empty()) return 1;
+  if (::umount2(point.c_str(), 0) != 0) return 2;
+  if (isMountedAnew && mount() != 0) return 3;
+  std::set<int> ended;
+  for (const auto& notice : watcher->wait(watcher->now() + std::chrono::seconds(30)))
+    if (notice.kind == Kind::Ended) ended.insert(notice.watch);
+  return ended == watches ? 0 : 4;
+}
+
+TEST_P(FolderWatcherTest, WhatIsUnmountedEndsItsWatches) {
+  for (const bool isMountedAnew : {false, true}) {
+    int code = 0;
+    EXPECT_EXIT(
+        std::_Exit(unmount(GetParam(), _folder.path().string(), isMountedAnew)),
+        [&](int status) {
+          code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+          return code == 0 || code == 77;
+        },
+        "");
+    if (code == 77) GTEST_SKIP() << "this process may not mount";
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(Linux, FolderWatcherTest,
+                         testing::Values(System{"Inotify", makeInotify},
+                                         System{"Fanotify", makeFanotify}),
+                         [](const auto& test) { return test.param.name; });
 
 // In a process of its own, because a wish stays.
 TEST(FolderWatcherDeathTest, AWishToEndThatCameBeforeTheWaitingEndsIt) {

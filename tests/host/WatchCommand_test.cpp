@@ -11,6 +11,7 @@
 #include <set>
 
 #include "host/store/Store.h"
+#include "host/watch/linux/FolderWatchersLinux.h"
 #include "tests/support/Process.h"
 #include "tests/support/RunningProcess.h"
 
@@ -142,7 +143,7 @@ TEST_F(WatchCommandTest, FollowsAMaildir) {
             "cur/1690.M1.host:2,FRS\n");
 }
 
-TEST_F(WatchCommandTest, AQueueThatRanOverLosesNothing) {
+TEST_F(WatchCommandTest, MoreChangesThanAQueueHoldsAreAllFound) {
   long most = 0;
   std::ifstream("/proc/sys/fs/inotify/max_queued_events") >> most;
   if (most <= 0 || most > 200'000) GTEST_SKIP() << "the system's queue has no usual size";
@@ -159,7 +160,10 @@ TEST_F(WatchCommandTest, AQueueThatRanOverLosesNothing) {
   fs::create_directory(_mail / "folder");
   deliver("folder/deep.eml", "deep");
   watch.tell(SIGCONT);
-  EXPECT_EQ(next(watch), "rescan");
+  int failure = 0;  // with fanotify the queue has no end
+  if (!makeFanotify(&failure)) {
+    EXPECT_EQ(next(watch), "rescan");
+  }
   const std::set<std::string> events{next(watch), next(watch)};
   EXPECT_EQ(events, (std::set<std::string>{"added folder/deep.eml", "added unseen.eml"}));
   deliver("folder/later.eml", "later");

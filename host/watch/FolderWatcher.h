@@ -24,7 +24,7 @@ struct FolderNotice {
     Removed,      // an entry
     FolderMoved,  // the folder itself has another path
     Ended,        // the watch, because the folder or its file system is gone
-    Lost,         // notices, because there were too many
+    Lost,         // notices, because there were too many, or the order of some
   };
   Kind kind;
   int watch = -1;  // what watch() answered; none for Lost
@@ -49,7 +49,7 @@ class FolderWatcher {
   virtual Moment now() = 0;
   /// Waits until there are notices, the moment has come (absent: without end), or the process is
   /// wished to end, and answers the notices in the order of what happened. At once when there are
-  /// some. Uses no time while it waits.
+  /// some. Uses no time while it waits, and seldom answers none before the moment.
   virtual std::vector<FolderNotice> wait(std::optional<Moment> until) = 0;
 };
 

@@ -37,6 +37,8 @@ struct System {
   std::unique_ptr<FolderWatcher> (*make)(int* failure);
 };
 
+void PrintTo(const System& system, std::ostream* output) { *output << system.name; }
+
 class FolderWatcherTest : public testing::TestWithParam<System> {
  protected:
   void SetUp() override {

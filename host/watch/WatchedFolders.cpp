@@ -298,7 +298,14 @@ void WatchedFolders::arrive(const std::string& path, const FolderNotice& notice)
   for (std::string& limited : _limited)
     if (limited == departure->path || isBelow(limited, departure->path))
       limited = path + limited.substr(departure->path.size());
-  if (departure->watch != kNone) _tree.hang(departure->watch, notice.watch, notice.name);
+  if (departure->watch != kNone) {
+    // A folder that took the former name before that was told may have been taken for this one.
+    const int there = _watcher.watch(path);
+    if (there >= 0 && there != departure->watch)
+      forget(departure->watch);
+    else
+      _tree.hang(departure->watch, notice.watch, notice.name);
+  }
   _changes.settle(departure->path);
   _changes.settle(path);
   appear(path, notice);

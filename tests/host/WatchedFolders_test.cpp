@@ -354,5 +354,22 @@ TEST_F(WatchedFoldersTest, LostNoticesAreRememberedUntilItBeginsAnew) {
   EXPECT_EQ(_watcher.restarts, 2);
 }
 
+// The first notice of "a" finds the second folder of this name.
+TEST_F(WatchedFoldersTest, AFolderWhoseNameWasTakenAgainBeforeAnythingWasToldIsWatched) {
+  _folders.begin();
+  folder("a/inner");
+  fs::rename(_root / "a", _root / "b");
+  folder("a");
+  _watcher.tell(Kind::Made, _root / "a", true);
+  _watcher.tell(Kind::MovedAway, _root / "a", true, 7);
+  _watcher.tell(Kind::MovedHere, _root / "b", true, 7);
+  _watcher.tell(Kind::Made, _root / "a", true);
+  takeAll();
+  EXPECT_THAT(watched(), ElementsAre(".", "a", "b", "b/inner"));
+  file("b/inner/later.eml");
+  tell(Kind::Written, "b/inner/later.eml");
+  EXPECT_THAT(settled(), testing::Contains("b/inner/later.eml"));
+}
+
 }  // namespace
 }  // namespace kbx

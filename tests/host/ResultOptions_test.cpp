@@ -56,23 +56,15 @@ TEST(ResultOptions, TheMarkerStandsForWhatAMessageHasNot) {
 
 TEST(ResultOptions, WhatMeansNothingIsRefusedByEachCommand) {
   const char kForms[] = "--json, --ndjson, --plist and --raw exclude each other";
-  for (auto command : {"import", "show"})
-    for (const auto& [options, reason] :
-         std::vector<std::pair<std::vector<std::string>, std::string>>{
-             {{"--json", "--ndjson"}, kForms},
-             {{"--json", "--plist"}, kForms},
-             {{"--plist", "--raw", "--name=x"}, kForms},
-             {{"--raw"}, "--raw needs --name"},
-             {{"--name="}, "--name needs an ATTRIBUTE"},
-             {{"--raw", "--name=x", "--name="}, "--name needs an ATTRIBUTE"},
-             {{"--null-marker=-"}, "--null-marker needs --raw"},
-             {{"--null-marker=", "--name=x"}, "--null-marker needs --raw"}}) {
-      std::vector<std::string> arguments{command, "/gone"};
-      arguments.insert(arguments.end(), options.begin(), options.end());
-      const auto [code, output, complaints] = answerTo(arguments);
-      EXPECT_EQ(code, kMisused) << command << " " << options.back();
-      EXPECT_THAT(complaints, HasSubstr(reason));
-    }
+  expectRefused({"import", "show"},
+                {{{"--json", "--ndjson"}, kForms},
+                 {{"--json", "--plist"}, kForms},
+                 {{"--plist", "--raw", "--name=x"}, kForms},
+                 {{"--raw"}, "--raw needs --name"},
+                 {{"--name="}, "--name needs an ATTRIBUTE"},
+                 {{"--raw", "--name=x", "--name="}, "--name needs an ATTRIBUTE"},
+                 {{"--null-marker=-"}, "--null-marker needs --raw"},
+                 {{"--null-marker=", "--name=x"}, "--null-marker needs --raw"}});
 }
 
 }  // namespace

@@ -12,8 +12,6 @@
 namespace kbx {
 namespace {
 
-using testing::HasSubstr;
-
 struct Applied {
   ImportSettings settings;
   bool hasLog;
@@ -58,25 +56,17 @@ TEST(WorkerOptions, WaysThatMeanNothingAreRefusedByEachCommand) {
   ScopedService<Environment> installed(environment);
   const char kWay[] = "--isolate is process or none";
   const char kContradiction[] = "--isolate=none excludes -j and --timeout";
-  for (auto command : {"import", "index", "watch"})
-    for (const auto& [options, reason] :
-         std::vector<std::pair<std::vector<std::string>, std::string>>{
-             {{"-j", "0"}, "-j"},
-             {{"-j", "x"}, "-j"},
-             {{"-j", "-1"}, "-j"},
-             {{"-j", "257"}, "-j"},
-             {{"--timeout=0"}, "--timeout"},
-             {{"--timeout=86401"}, "--timeout"},
-             {{"--isolate=some"}, kWay},
-             {{"--isolate="}, kWay},
-             {{"--isolate=none", "-j2"}, kContradiction},
-             {{"--isolate=none", "--timeout=1"}, kContradiction}}) {
-      std::vector<std::string> arguments{command, "/gone"};
-      arguments.insert(arguments.end(), options.begin(), options.end());
-      const auto [code, output, complaints] = answerTo(arguments);
-      EXPECT_EQ(code, kMisused) << command << " " << options.back();
-      EXPECT_THAT(complaints, HasSubstr(reason));
-    }
+  expectRefused({"import", "index", "watch"},
+                {{{"-j", "0"}, "-j"},
+                 {{"-j", "x"}, "-j"},
+                 {{"-j", "-1"}, "-j"},
+                 {{"-j", "257"}, "-j"},
+                 {{"--timeout=0"}, "--timeout"},
+                 {{"--timeout=86401"}, "--timeout"},
+                 {{"--isolate=some"}, kWay},
+                 {{"--isolate="}, kWay},
+                 {{"--isolate=none", "-j2"}, kContradiction},
+                 {{"--isolate=none", "--timeout=1"}, kContradiction}});
 }
 
 }  // namespace

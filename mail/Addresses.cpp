@@ -8,17 +8,6 @@ namespace {
 
 constexpr std::size_t kLongest = 1 << 15;  // of a name or an address; the rest is cut off
 
-std::string withoutComments(std::string_view text) {
-  std::string result;
-  int depth = 0;
-  for (char c : text) {
-    depth += c == '(';
-    if (depth == 0) result += c;
-    depth -= c == ')' && depth > 0;
-  }
-  return std::string(trimmed(result));
-}
-
 /// Blanks around an address's dots and its sign are no part of it.
 std::string tightened(std::string_view text) {
   std::string address;
@@ -170,7 +159,8 @@ class AddressReader {
   std::string addressText(std::string_view bytes) {
     std::string text = headerText(bytes, _decoder);
     if (startsWithWord(text, "mailto:")) text.erase(0, 7);
-    if (text.find('(') != std::string::npos && !text.starts_with('"')) text = withoutComments(text);
+    if (text.find('(') != std::string::npos && !text.starts_with('"'))
+      text = trimmed(withoutComments(text));
     const bool isToTighten =
         text.find(' ') != std::string::npos && text.find('@') != std::string::npos;
     return isToTighten ? tightened(text) : text;

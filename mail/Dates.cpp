@@ -18,17 +18,6 @@ constexpr std::size_t kNone = std::string_view::npos;
 
 bool areDigits(std::string_view text) { return std::ranges::all_of(text, isASCIIDigit); }
 
-std::string withoutComments(std::string_view text) {
-  std::string result;
-  int depth = 0;
-  for (char c : text) {
-    depth += c == '(';
-    if (depth == 0) result += c == '\0' ? ' ' : c;  // the parser reads a C string
-    depth -= c == ')' && depth > 0;
-  }
-  return result;
-}
-
 /// Without the blanks that may stand around the colons of a time.
 std::string withTightTimes(std::string_view text) {
   std::string tight;
@@ -161,7 +150,9 @@ std::optional<double> dateBehindSemicolon(std::string_view raw) {
 
 std::optional<double> dateOf(std::string_view raw) {
   constexpr std::size_t kLongest = 256;
-  return plainDateOf(withoutComments(unfolded(raw.substr(0, kLongest))));
+  std::string text = withoutComments(unfolded(raw.substr(0, kLongest)));
+  std::ranges::replace(text, '\0', ' ');  // the parser reads a C string
+  return plainDateOf(text);
 }
 
 std::optional<double> receivedDateOf(std::string_view raw) {

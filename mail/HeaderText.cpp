@@ -123,6 +123,17 @@ std::string unfolded(std::string_view raw) {
   return line;
 }
 
+std::string withoutComments(std::string_view text) {
+  std::string result;
+  int depth = 0;
+  for (char c : text) {
+    depth += c == '(';
+    if (depth == 0) result += c;
+    depth -= c == ')' && depth > 0;
+  }
+  return result;
+}
+
 std::size_t encodedWordLength(std::string_view text) {
   EncodedWord word;
   return readWord(text, &word) ? word.length : 0;

@@ -16,6 +16,10 @@ namespace kbx {
 /// cut between them. Bytes beyond ASCII outside of words are in the charset they look like.
 std::string headerText(std::string_view raw, TextDecoder& decoder);
 
+/// The text without what stands in parentheses, which may lie within others. An open one lasts to
+/// the end.
+std::string withoutComments(std::string_view text);
+
 /// The length of the encoded word that the text begins with; 0 without one. Many calls for the
 /// places of one text cost time in proportion to its length.
 std::size_t encodedWordLength(std::string_view text);
